@@ -1,0 +1,153 @@
+#include "cli/options.h"
+
+#include <charconv>
+#include <string_view>
+#include <utility>
+
+namespace skerrow::cli {
+
+namespace {
+
+constexpr std::string_view kHelp =
+    R"(Skerrow edits text, lists, records and files for scripts.
+
+  skerrow perform COMMAND [--direct JSON] [--arguments JSON] [--timeout SECONDS]
+      Performs one command and prints its result as typed JSON.
+      JSON can be given as it is, as @FILE, or as - to read standard input.
+      The time-out is 120 seconds unless given; 0 means none.
+
+  skerrow perform --stdin
+      Reads one event a line, such as
+        {"command": "SKWModifyList", "direct": [1, 2], "arguments": {"reversingOrder": true}}
+      and answers each with one line: {"result": …}, {} or {"error": {…}}.
+
+  skerrow commands [COMMAND]
+      Shows what commands there are, or the arguments of one.
+
+  skerrow --version
+  skerrow --help
+
+Exit status: 0 when all went well, 1 when a command failed, 2 for wrong usage.
+
+  skerrow perform SKWModifyList --direct '[[1,2],[3,4]]' --arguments '{"swapColsAndRows": true}'
+  [[1,3],[2,4]]
+)";
+
+// The words still to be read.
+class Words {
+ public:
+  explicit Words(std::span<const char* const> words) : words_(words) {}
+
+  [[nodiscard]] bool isEmpty() const { return words_.empty(); }
+
+  std::string take() {
+    std::string word = words_.front();
+    words_ = words_.subspan(1);
+    return word;
+  }
+
+  // The value of an option, which follows it after "=" or as the next word.
+  std::string valueOf(const std::string& option, std::optional<std::string> attached) {
+    if (attached) return std::move(*attached);
+    if (isEmpty()) throw UsageError(option + " needs a value after it");
+    return take();
+  }
+
+  void requireEnd() {
+    if (!isEmpty()) throw UsageError("there is no use for “" + take() + "” here");
+  }
+
+ private:
+  std::span<const char* const> words_;
+};
+
+// "--direct=JSON" in its two parts.
+std::pair<std::string, std::optional<std::string>> splitOption(std::string word) {
+  const std::size_t equals = word.find('=');
+  if (equals == std::string::npos) return {std::move(word), std::nullopt};
+  return {word.substr(0, equals), word.substr(equals + 1)};
+}
+
+std::chrono::milliseconds timeoutFrom(const std::string& text) {
+  double seconds = 0;
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, seconds);
+  const auto timeout =
+      error == std::errc() && stop == end ? scripting::timeoutFromSeconds(seconds) : std::nullopt;
+  if (!timeout)
+    throw UsageError("--timeout needs a number of seconds, 0 or more, not “" + text + "”");
+  return *timeout;
+}
+
+void setOnce(std::optional<std::string>& place, const std::string& option, std::string value) {
+  if (place) throw UsageError(option + " is given twice");
+  place = std::move(value);
+}
+
+Options readPerform(Words words) {
+  PerformOne perform;
+  std::optional<std::string> timeout;
+  bool isStream = false;
+  while (!words.isEmpty()) {
+    auto [word, attached] = splitOption(words.take());
+    if (word == "--direct") {
+      setOnce(perform.direct, word, words.valueOf(word, std::move(attached)));
+    } else if (word == "--arguments") {
+      setOnce(perform.arguments, word, words.valueOf(word, std::move(attached)));
+    } else if (word == "--timeout") {
+      setOnce(timeout, word, words.valueOf(word, std::move(attached)));
+    } else if (word == "--stdin") {
+      isStream = true;
+    } else if (word.starts_with('-')) {
+      throw UsageError("perform has no option “" + word + "”");
+    } else if (!perform.command.empty()) {
+      throw UsageError("perform takes one command, and “" + word + "” is a second one");
+    } else {
+      perform.command = word;
+    }
+  }
+  if (isStream) {
+    if (!perform.command.empty() || perform.direct || perform.arguments || timeout) {
+      throw UsageError("--stdin stands alone: each line that is read says what to perform");
+    }
+    return PerformStream{};
+  }
+  if (perform.command.empty()) {
+    throw UsageError("perform needs the name of a command, such as SKWModifyList, or --stdin");
+  }
+  if (perform.direct == "-" && perform.arguments == "-") {
+    throw UsageError("--direct and --arguments cannot both be read from standard input");
+  }
+  if (timeout) perform.timeout = timeoutFrom(*timeout);
+  return perform;
+}
+
+Options readCommands(Words words) {
+  ListCommands list;
+  if (!words.isEmpty()) list.command = words.take();
+  words.requireEnd();
+  return list;
+}
+
+}  // namespace
+
+Options readOptions(std::span<const char* const> given) {
+  Words words(given);
+  if (words.isEmpty()) throw UsageError("say what to do, such as “skerrow perform SKWModifyList”");
+  const std::string verb = words.take();
+  if (verb == "perform") return readPerform(words);
+  if (verb == "commands") return readCommands(words);
+  if (verb == "--help" || verb == "-h") {
+    words.requireEnd();
+    return ShowHelp{};
+  }
+  if (verb == "--version") {
+    words.requireEnd();
+    return ShowVersion{};
+  }
+  throw UsageError("there is nothing called “" + verb + "” to do");
+}
+
+std::string helpText() { return std::string(kHelp); }
+
+}  // namespace skerrow::cli

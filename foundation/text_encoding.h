@@ -1,0 +1,31 @@
+#pragma once
+// Conversions between UTF-16 text and bytes. All of them are linear and keep no
+// state. Lone surrogates, which no byte encoding here can hold, become U+FFFD.
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace skerrow::foundation {
+
+/// UTF-8 to UTF-16, strictly (Unicode 15, table 3-7): nothing when any byte is
+/// out of place. A byte-order mark is kept as U+FEFF.
+std::optional<std::u16string> utf16FromUtf8(std::string_view bytes);
+
+/// The same, with U+FFFD for each maximal ill-formed subsequence.
+std::u16string utf16FromUtf8Replacing(std::string_view bytes);
+
+std::string utf8FromUtf16(std::u16string_view text);
+
+/// Bytes of UTF-16 in the host's order, or in the order that a byte-order mark at
+/// the front tells; the mark is dropped. An odd last byte is ignored.
+std::u16string utf16FromUtf16Bytes(std::string_view bytes);
+
+/// Mac OS Roman as published by the Unicode Consortium (VENDORS/APPLE/ROMAN.TXT,
+/// with the euro sign at 0xDB). Every byte has a character.
+std::u16string utf16FromMacRoman(std::string_view bytes);
+
+/// Nothing when a character has no place in Mac OS Roman.
+std::optional<std::string> macRomanFromUtf16(std::u16string_view text);
+
+}  // namespace skerrow::foundation

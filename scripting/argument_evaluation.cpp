@@ -1,0 +1,174 @@
+#include "scripting/argument_evaluation.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include "core/pack.h"
+#include "core/script_error.h"
+#include "core/unpack.h"
+#include "foundation/code_text.h"
+#include "foundation/text_encoding.h"
+
+namespace skerrow::scripting {
+
+using namespace literals;
+
+namespace {
+
+struct KindWords {
+  Kinds kind;
+  std::string_view one;
+  std::string_view many;
+};
+
+constexpr KindWords kKindWords[] = {
+    {Kinds::any, "any value", "values"},
+    {Kinds::text, "a text", "texts"},
+    {Kinds::integer, "an integer", "integers"},
+    {Kinds::real, "a real number", "real numbers"},
+    {Kinds::boolean, "true or false", "booleans"},
+    {Kinds::date, "a date", "dates"},
+    {Kinds::file, "a file", "files"},
+    {Kinds::record, "a record", "records"},
+    {Kinds::type, "a class", "classes"},
+    {Kinds::enumeration, "a constant", "constants"},
+    {Kinds::data, "raw data", "pieces of raw data"},
+    {Kinds::script, "a script", "scripts"},
+};
+
+std::string joined(Kinds kinds, std::string_view KindWords::*words) {
+  std::string text;
+  for (const KindWords& entry : kKindWords) {
+    if (!contains(kinds, entry.kind)) continue;
+    if (!text.empty()) text += " or ";
+    text += entry.*words;
+  }
+  return text;
+}
+
+// An integer of 32 bits, or a real that is one.
+std::optional<Number> wholeNumber(const ScriptValue& value) {
+  const auto number = core::numberFromScriptValue(value);
+  if (!number || number->kind() == NumberKind::boolean) return std::nullopt;
+  const double real = number->asReal();
+  if (real != std::trunc(real) || real < std::numeric_limits<std::int32_t>::min() ||
+      real > std::numeric_limits<std::int32_t>::max()) {
+    return std::nullopt;
+  }
+  return Number::signed32(static_cast<std::int32_t>(real));
+}
+
+// The code of an enumerator, also where it is given as an integer.
+std::optional<Number> enumeratorCode(const ScriptValue& value) {
+  if (value.type() == "enum"_code) {
+    const auto code = value.plain<std::uint32_t>();
+    if (!code) return std::nullopt;
+    return Number::unsigned32(*code);
+  }
+  const auto number = core::numberFromScriptValue(value);
+  if (!number || number->isReal() || number->kind() == NumberKind::boolean) return std::nullopt;
+  if (number->asInteger() < 0 || number->asInteger() > std::numeric_limits<std::uint32_t>::max()) {
+    return std::nullopt;
+  }
+  return Number::unsigned32(static_cast<std::uint32_t>(number->asInteger()));
+}
+
+bool isBoolean(FourCharCode type) {
+  return type == "true"_code || type == "fals"_code || type == "bool"_code;
+}
+
+// The value in its plain shape; nothing when it is of none of these kinds.
+std::optional<Value> plainValue(Kinds kinds, const ScriptValue& value) {
+  const FourCharCode type = value.type();
+  const bool isPlainKind =
+      contains(kinds, Kinds::any) || (contains(kinds, Kinds::text) && core::isTextType(type)) ||
+      (contains(kinds, Kinds::boolean) && isBoolean(type)) ||
+      (contains(kinds, Kinds::real) && core::isNumberType(type) && !isBoolean(type)) ||
+      (contains(kinds, Kinds::date) && type == "ldt "_code) ||
+      (contains(kinds, Kinds::file) && core::isFileType(type)) ||
+      (contains(kinds, Kinds::data) && type == "rdat"_code) ||
+      (contains(kinds, Kinds::type) && value.namedCode() && !value.isMissingValue());
+  if (contains(kinds, Kinds::integer)) {
+    if (const auto number = wholeNumber(value)) return Value(*number);
+  }
+  if (isPlainKind) return core::unpack(value);
+  if (contains(kinds, Kinds::enumeration)) {
+    if (const auto code = enumeratorCode(value)) return Value(*code);
+  }
+  if (contains(kinds, Kinds::record) && core::scriptingRecordWithDescriptor(value))
+    return Value(value);
+  if (contains(kinds, Kinds::script) && core::scriptingScriptWithDescriptor(value))
+    return Value(value);
+  return std::nullopt;
+}
+
+[[noreturn]] void refuse(const ArgumentEntry& argument, const std::string& given) {
+  throw core::ScriptError(core::scripting_error::kWrongKind,
+                          "“" + std::string(argument.key) + "” takes " + kindsInWords(argument) +
+                              ", not " + given + ".");
+}
+
+Value givenItems(const ArgumentEntry& argument, const ScriptValue& list) {
+  for (const ScriptValue& item : list.items()) {
+    if (!plainValue(argument.items, item)) refuse(argument, "a list with " + kindInWords(item));
+  }
+  return core::unpackListShallow(list);
+}
+
+}  // namespace
+
+std::string kindsInWords(const ArgumentEntry& argument) {
+  std::string text = joined(argument.single, &KindWords::one);
+  if (argument.items == Kinds::none) return text;
+  if (!text.empty()) text += ", or ";
+  text += "a list";
+  if (!contains(argument.items, Kinds::any))
+    text += " of " + joined(argument.items, &KindWords::many);
+  return text;
+}
+
+std::string kindInWords(const ScriptValue& value) {
+  const FourCharCode type = value.type();
+  if (core::isTextType(type)) return "a text";
+  if (isBoolean(type)) return "a boolean";
+  if (const auto number = core::numberFromScriptValue(value)) {
+    if (number->isReal()) return "the real number " + std::to_string(number->asReal());
+    return "the integer " + std::to_string(number->asInteger());
+  }
+  if (type == "list"_code) return "a list";
+  if (value.hasFields()) return "a record";
+  if (value.isMissingValue() || type == "msng"_code) return "missing value";
+  if (type == "null"_code) return "the null value";
+  if (type == "ldt "_code) return "a date";
+  if (core::isFileType(type)) return "a file";
+  if (type == "type"_code) return "a class";
+  if (type == "enum"_code) return "a constant";
+  if (type == "rdat"_code) return "raw data";
+  if (type == "scpt"_code) return "a script";
+  return "a value of type “" + foundation::utf8FromUtf16(foundation::textFromCode(type)) + "”";
+}
+
+Value evaluateArgument(const ArgumentEntry& argument, const ScriptValue& value) {
+  if (argument.items != Kinds::none && value.type() == "list"_code) {
+    if (argument.arrival == Arrival::list) return givenItems(argument, value);
+    return value;
+  }
+  auto plain = plainValue(argument.single, value);
+  if (!plain) refuse(argument, kindInWords(value));
+  switch (argument.arrival) {
+    case Arrival::plain:
+      return std::move(*plain);
+    case Arrival::list:
+      return std::vector<Value>{Value(value)};
+    case Arrival::given:
+      break;
+  }
+  return value;
+}
+
+}  // namespace skerrow::scripting

@@ -1,0 +1,148 @@
+#include "scripting/json_source.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
+#include <cstring>
+#include <optional>
+#include <span>
+#include <utility>
+
+namespace skerrow::scripting {
+
+namespace {
+
+constexpr std::size_t kPiece = 64 * 1024;
+
+constexpr std::size_t kEscape = 6;  // \uXXXX
+
+bool isLeading(unsigned unit) { return (unit & 0xFC00U) == 0xD800; }
+bool isTrailing(unsigned unit) { return (unit & 0xFC00U) == 0xDC00; }
+
+// The unit that the escape at the front spells; nothing when there is none.
+std::optional<unsigned> escapedUnit(std::string_view text) {
+  if (text.size() < kEscape || text[0] != '\\' || text[1] != 'u') return std::nullopt;
+  unsigned unit = 0;
+  const char* const last = text.data() + kEscape;
+  const auto [stop, error] = std::from_chars(text.data() + 2, last, unit, 16);
+  if (error != std::errc() || stop != last) return std::nullopt;
+  return unit;
+}
+
+}  // namespace
+
+JsonSource::JsonSource(std::string_view text)
+    : buffer_(text), filled_(text.size()), isExhausted_(true) {
+  replaceStrayMarks(0);
+  prepare(0);
+  findEnd();
+}
+
+JsonSource::JsonSource(Read read) : read_(std::move(read)) {}
+
+bool JsonSource::beginLine() {
+  if (stopsAtLineEnds_) {
+    while (!isAtEnd()) position_ = end_;
+    if (isAtLineEnd_) ++position_;
+    isAtLineEnd_ = false;
+  }
+  stopsAtLineEnds_ = true;
+  findEnd();
+  return !isAtEnd() || isAtLineEnd_;
+}
+
+bool JsonSource::isAtEnd() { return Peek() == '\0' && position_ == end_; }
+
+JsonSource::Ch JsonSource::peekBeyond() {
+  while (position_ == end_) {
+    if (isAtLineEnd_ || !refill()) return '\0';
+  }
+  return buffer_[position_];
+}
+
+bool JsonSource::refill() {
+  if (isExhausted_ && prepared_ == filled_) return false;
+  // Everything before the next byte has served; its line ends are counted.
+  const std::string_view served(buffer_.data(), position_);
+  if (const std::size_t last = served.rfind('\n'); last != std::string_view::npos) {
+    linesBefore_ += static_cast<std::size_t>(std::ranges::count(served, '\n'));
+    lastLineStart_ = offset_ + last + 1;
+  }
+  buffer_.erase(0, position_);
+  offset_ += position_;
+  filled_ -= position_;
+  prepared_ -= position_;
+  position_ = end_ = 0;
+  if (!isExhausted_) {
+    buffer_.resize(filled_ + kPiece);
+    const std::size_t count = read_(buffer_.data() + filled_, kPiece);
+    isExhausted_ = count == 0;
+    buffer_.resize(filled_ + count);
+    replaceStrayMarks(filled_);
+    filled_ += count;
+  }
+  prepare(prepared_);
+  findEnd();
+  return true;
+}
+
+// A mark in the text itself is no UTF-8; another byte that is none takes its place.
+void JsonSource::replaceStrayMarks(std::size_t from) {
+  std::ranges::replace(std::span(buffer_).subspan(from), kSurrogateMark, static_cast<Ch>(0xFF));
+}
+
+// Looks at the escapes from a place on. One that the next piece may go on with
+// is left for later.
+void JsonSource::prepare(std::size_t from) {
+  std::size_t at = from;
+  while ((at = buffer_.find('\\', at)) < filled_) {
+    const std::string_view rest(buffer_.data() + at, filled_ - at);
+    if (rest.size() < 2 * kEscape && !isExhausted_ && rest.find('\n') == std::string_view::npos) {
+      prepared_ = at;
+      return;
+    }
+    const auto unit = escapedUnit(rest);
+    if (!unit) {
+      at += std::min<std::size_t>(2, rest.size());
+      continue;
+    }
+    if (isLeading(*unit)) {
+      const auto next = escapedUnit(rest.substr(kEscape));
+      if (next && isTrailing(*next)) {
+        at += 2 * kEscape;
+        continue;
+      }
+    }
+    if (isLeading(*unit) || isTrailing(*unit)) {
+      std::memmove(buffer_.data() + at + 1, buffer_.data() + at + 2, 4);
+      buffer_[at] = buffer_[at + kEscape - 1] = kSurrogateMark;
+    }
+    at += kEscape;
+  }
+  prepared_ = filled_;
+}
+
+void JsonSource::findEnd() {
+  end_ = prepared_;
+  if (!stopsAtLineEnds_) return;
+  const std::size_t lineEnd = buffer_.find('\n', position_);
+  if (lineEnd < prepared_) {
+    end_ = lineEnd;
+    isAtLineEnd_ = true;
+  }
+}
+
+std::string JsonSource::placeOf(std::size_t offset) const {
+  std::size_t line = linesBefore_ + 1;
+  std::size_t lineStart = lastLineStart_;
+  const std::size_t known = offset > offset_ ? std::min(offset - offset_, filled_) : 0;
+  const std::string_view before(buffer_.data(), known);
+  if (const std::size_t last = before.rfind('\n'); last != std::string_view::npos) {
+    line += static_cast<std::size_t>(std::ranges::count(before, '\n'));
+    lineStart = offset_ + last + 1;
+  }
+  const std::size_t column = offset >= lineStart ? offset - lineStart + 1 : 1;
+  return "line " + std::to_string(line) + ", column " + std::to_string(column);
+}
+
+}  // namespace skerrow::scripting

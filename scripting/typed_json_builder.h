@@ -1,0 +1,73 @@
+#pragma once
+// TypedJsonBuilder: makes a script value from the pieces of a typed JSON text as
+// they are read, in order. Nothing but the finished values is kept.
+
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "values/number.h"
+#include "values/script_value.h"
+#include "values/text.h"
+
+namespace skerrow::scripting {
+
+/// Compiles the text of a script into its data; throws JsonError when it cannot.
+using CompileSource = std::function<std::string(std::u16string_view source)>;
+
+/// What is wrong with a JSON text, in words for a person, with its place once known.
+class JsonError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+class TypedJsonBuilder {
+ public:
+  explicit TypedJsonBuilder(const CompileSource* compileSource) : compileSource_(compileSource) {}
+
+  // Each throws JsonError for what has no place in typed JSON.
+  void addNull();
+  void addBoolean(bool value);
+  void addNumber(Number number);
+  void addText(std::u16string_view text);
+  void beginArray();
+  void endArray();
+  void beginObject();
+  void addLabel(std::u16string_view label);
+  void endObject();
+
+  /// Whether an array or object is still open.
+  [[nodiscard]] bool isInside() const noexcept { return !frames_.empty(); }
+
+  /// The finished value; the builder is then ready for the next one.
+  [[nodiscard]] ScriptValue take();
+
+ private:
+  struct Frame {
+    bool isObject;
+    bool isPlainRecord;  // the object under "$record": never one of the special forms
+    std::size_t firstValue;
+    std::size_t firstLabel;
+  };
+
+  void open(bool isObject);
+  [[nodiscard]] std::vector<ScriptValue> closeValues(std::size_t first);
+  [[nodiscard]] ScriptValue objectFrom(std::vector<Text> labels, std::vector<ScriptValue> values,
+                                       bool isPlainRecord);
+  [[nodiscard]] std::optional<ScriptValue> specialForm(const std::vector<Text>& labels,
+                                                       const std::vector<ScriptValue>& values);
+  [[nodiscard]] ScriptValue singleForm(std::u16string_view label, const ScriptValue& value);
+  [[nodiscard]] ScriptValue numberForm(const ScriptValue& value, const ScriptValue& type) const;
+
+  const CompileSource* compileSource_;
+  std::vector<Frame> frames_;
+  std::vector<ScriptValue> values_;   // of all open arrays and objects, innermost last
+  std::vector<Text> labels_;          // of all open objects, innermost last
+  std::optional<Number> lastNumber_;  // as it was read, if nothing was closed since
+};
+
+}  // namespace skerrow::scripting

@@ -1,0 +1,222 @@
+#include "scripting/typed_json_reader.h"
+
+#include <rapidjson/error/en.h>
+#include <rapidjson/reader.h>
+
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "core/unpack.h"
+#include "foundation/text_encoding.h"
+#include "scripting/json_encodings.h"
+#include "values/depth.h"
+
+namespace skerrow::scripting {
+
+namespace {
+
+// What the text is an instance of. Arguments and events are objects of known
+// shape around typed values.
+enum class Form { value, arguments, event };
+
+std::string quoted(const std::string& text) { return "“" + text + "”"; }
+
+// Receives the pieces of the text from the JSON library. The names are the
+// library's.
+class Receiver {
+ public:
+  Receiver(Form form, const CompileSource* compileSource)
+      : builder_(compileSource),
+        place_(form == Form::value ? Place::value : Place::outside),
+        form_(form) {}
+
+  bool Null() {
+    return leaf([this] { builder_.addNull(); });
+  }
+  bool Bool(bool value) {
+    return leaf([this, value] { builder_.addBoolean(value); });
+  }
+  bool Int(int value) { return addNumber(Number::signed32(value)); }
+  bool Uint(unsigned value) { return addNumber(Number::unsigned32(value)); }
+  bool Int64(std::int64_t value) { return addNumber(Number::signed64(value)); }
+  bool Uint64(std::uint64_t value) { return addNumber(Number::unsigned64(value)); }
+  bool Double(double value) { return addNumber(Number::real(value)); }
+  // Only asked for when numbers are wanted as they are written.
+  static bool RawNumber(const char16_t* /*units*/, rapidjson::SizeType /*count*/, bool /*copy*/) {
+    return false;
+  }
+  bool String(const char16_t* units, rapidjson::SizeType count, bool /*copy*/) {
+    return leaf([&] { builder_.addText({units, count}); });
+  }
+  bool StartArray() {
+    requireValuePlace();
+    builder_.beginArray();
+    return true;
+  }
+  bool EndArray(rapidjson::SizeType /*count*/) {
+    builder_.endArray();
+    return finishValue();
+  }
+  bool StartObject() {
+    if (!builder_.isInside()) {
+      if (place_ == Place::outside)
+        return enter(form_ == Form::event ? Place::event : Place::arguments);
+      if (place_ == Place::event && key_ == "arguments") return enter(Place::arguments);
+    }
+    builder_.beginObject();
+    return true;
+  }
+  bool Key(const char16_t* units, rapidjson::SizeType count, bool /*copy*/) {
+    const std::u16string_view label(units, count);
+    if (builder_.isInside()) {
+      builder_.addLabel(label);
+    } else {
+      key_ = foundation::utf8FromUtf16(label);
+    }
+    return true;
+  }
+  bool EndObject(rapidjson::SizeType /*count*/) {
+    if (builder_.isInside()) {
+      builder_.endObject();
+      return finishValue();
+    }
+    place_ = place_ == Place::arguments && form_ == Form::event ? Place::event : Place::outside;
+    return true;
+  }
+  ScriptValue takeValue() { return std::move(value_); }
+  Event takeEvent() { return std::move(event_); }
+  [[nodiscard]] bool hasCommand() const { return !event_.command.empty(); }
+
+ private:
+  enum class Place { value, outside, event, arguments };
+
+  bool enter(Place place) {
+    place_ = place;
+    return true;
+  }
+
+  void requireValuePlace() const {
+    if (builder_.isInside()) return;
+    if (place_ == Place::outside) {
+      throw JsonError(form_ == Form::event
+                          ? "an event is an object such as {\"command\": "
+                            "\"SKWModifyList\", \"direct\": [1, 2]}"
+                          : "arguments are an object such as {\"reversingOrder\": true}");
+    }
+    if (place_ == Place::event && key_ == "arguments")
+      throw JsonError("“arguments” needs an object");
+  }
+
+  bool addNumber(Number number) {
+    return leaf([this, number] { builder_.addNumber(number); });
+  }
+
+  template <class Add>
+  bool leaf(Add&& add) {
+    requireValuePlace();
+    add();
+    return finishValue();
+  }
+
+  // A value has been added; it may complete what the builder holds.
+  bool finishValue() {
+    if (builder_.isInside()) return true;
+    ScriptValue value = builder_.take();
+    if (place_ == Place::value) {
+      value_ = std::move(value);
+    } else if (place_ == Place::arguments) {
+      setArgument(std::move(value));
+    } else {
+      setMember(std::move(value));
+    }
+    return true;
+  }
+
+  void setArgument(ScriptValue value) {
+    const auto there =
+        std::ranges::find(event_.arguments, key_, &EventArguments::value_type::first);
+    if (there != event_.arguments.end()) {
+      there->second = std::move(value);
+    } else {
+      event_.arguments.emplace_back(key_, std::move(value));
+    }
+  }
+
+  void setMember(ScriptValue value) {
+    if (key_ == "direct") {
+      event_.directParameter = std::move(value);
+    } else if (key_ == "command") {
+      const auto name = core::textFromScriptValue(value);
+      if (!name || name->isEmpty()) throw JsonError("“command” needs the name of a command");
+      event_.command = foundation::utf8FromUtf16(name->view());
+    } else if (key_ == "timeout") {
+      const auto seconds = core::isNumberType(value.type()) && value.payload().size() > 1
+                               ? core::numberFromScriptValue(value)
+                               : std::nullopt;
+      const auto timeout = seconds ? timeoutFromSeconds(seconds->asReal()) : std::nullopt;
+      if (!timeout) throw JsonError("“timeout” needs a number of seconds, 0 or more");
+      event_.timeout = *timeout;
+    } else {
+      throw JsonError("an event has no member " + quoted(key_));
+    }
+  }
+
+  TypedJsonBuilder builder_;
+  Place place_;
+  Form form_;
+  std::string key_;
+  ScriptValue value_;
+  Event event_;
+};
+
+[[noreturn]] void failAt(const JsonSource& source, std::size_t offset, const std::string& problem) {
+  throw JsonError(source.placeOf(offset) + ": " + problem);
+}
+
+void read(JsonSource& source, Receiver& receiver) {
+  constexpr unsigned kFlags = rapidjson::kParseIterativeFlag |
+                              rapidjson::kParseValidateEncodingFlag |
+                              rapidjson::kParseFullPrecisionFlag;
+  rapidjson::GenericReader<JsonUtf8, JsonUtf16> reader;
+  try {
+    const rapidjson::ParseResult result = reader.Parse<kFlags>(source, receiver);
+    if (result.IsError()) {
+      std::string problem = rapidjson::GetParseError_En(result.Code());
+      while (problem.ends_with('.')) problem.pop_back();
+      failAt(source, result.Offset(), problem);
+    }
+  } catch (const NestingTooDeep& tooDeep) {
+    failAt(source, source.Tell(), tooDeep.what());
+  } catch (const JsonError& error) {
+    if (std::string_view(error.what()).starts_with("line ")) throw;
+    failAt(source, source.Tell(), error.what());
+  }
+  if (!source.isAtEnd()) failAt(source, source.Tell(), "the character NUL has no place here");
+}
+
+}  // namespace
+
+ScriptValue readTypedJson(JsonSource& source, const CompileSource* compileSource) {
+  Receiver receiver(Form::value, compileSource);
+  read(source, receiver);
+  return receiver.takeValue();
+}
+
+EventArguments readArguments(JsonSource& source, const CompileSource* compileSource) {
+  Receiver receiver(Form::arguments, compileSource);
+  read(source, receiver);
+  return receiver.takeEvent().arguments;
+}
+
+Event readEvent(JsonSource& source, const CompileSource* compileSource) {
+  Receiver receiver(Form::event, compileSource);
+  read(source, receiver);
+  if (!receiver.hasCommand()) {
+    failAt(source, source.Tell(), "the event does not name its “command”");
+  }
+  return receiver.takeEvent();
+}
+
+}  // namespace skerrow::scripting

@@ -1,0 +1,336 @@
+#include "scripting/typed_json_writer.h"
+
+#include <rapidjson/writer.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <optional>
+#include <span>
+#include <utility>
+
+#include "core/unpack.h"
+#include "foundation/base64.h"
+#include "foundation/code_text.h"
+#include "foundation/long_date_time.h"
+#include "foundation/text_encoding.h"
+#include "foundation/url.h"
+#include "scripting/json_encodings.h"
+
+namespace skerrow::scripting {
+
+using namespace literals;
+
+namespace {
+
+// Gathers what the JSON library writes into pieces worth handing on.
+class Pieces {
+ public:
+  using Ch = char;
+
+  explicit Pieces(const JsonSink& sink) : sink_(sink) {}
+
+  void Put(char character) {
+    if (used_ == piece_.size()) Flush();
+    piece_[used_++] = character;
+  }
+  void Flush() { sink_({piece_.data(), std::exchange(used_, 0)}); }
+
+ private:
+  const JsonSink& sink_;
+  std::size_t used_ = 0;
+  std::array<char, 16 * 1024> piece_;  // not cleared: most answers are short
+};
+
+using Writer = rapidjson::Writer<Pieces, JsonUtf16, JsonUtf8>;
+
+// A record's user fields, if they are what an object can show: labels that are
+// text and no keyword, each with its value.
+std::optional<std::span<const ScriptValue>> plainUserFields(const ScriptField& field) {
+  const auto items = field.value.items();
+  if (field.keyword != "usrf"_code || !field.value.hasItems() || items.size() % 2 != 0) {
+    return std::nullopt;
+  }
+  for (std::size_t i = 0; i < items.size(); i += 2) {
+    const auto label = core::textFromScriptValue(items[i]);
+    if (!label || foundation::keywordFromKey(label->view())) return std::nullopt;
+  }
+  return items;
+}
+
+// Whether the object of a plain record would be taken for one of the special forms.
+bool looksSpecial(const ScriptValue& record) {
+  if (record.type() != "reco"_code || record.fields().size() != 1) return false;
+  const auto items = plainUserFields(record.fields().front());
+  if (!items) return false;
+  const auto label = [&](std::size_t i) {
+    return std::u16string(core::textFromScriptValue((*items)[i])->view());
+  };
+  if (items->size() == 2) return label(0).starts_with(u'$');
+  if (items->size() != 4) return false;
+  const auto isPair = [&](std::u16string_view main, std::u16string_view companion) {
+    return (label(0) == main && label(2) == companion) ||
+           (label(0) == companion && label(2) == main);
+  };
+  return isPair(u"$number", u"as") || isPair(u"$raw", u"data");
+}
+
+class ValueWriter {
+ public:
+  explicit ValueWriter(Pieces& pieces) : writer_(pieces) {}
+
+  void write(const ScriptValue& value) {
+    if (const auto units = value.heldUnits()) return string(*units);
+    if (const auto text = core::textFromScriptValue(value)) return string(text->view());
+    if (const auto number = core::numberFromScriptValue(value)) return writeNumber(*number);
+    if (value.hasFields()) return writeRecord(value);
+    if (!writeOther(value)) writeRaw(value);
+  }
+
+  void writeError(const core::ScriptError& error) {
+    writer_.StartObject();
+    key(u"error");
+    writer_.StartObject();
+    key(u"number");
+    writer_.Int(error.number());
+    key(u"message");
+    string(foundation::utf16FromUtf8Replacing(error.message()));
+    writer_.EndObject();
+    writer_.EndObject();
+  }
+
+  void writeResult(const std::optional<ScriptValue>& result) {
+    writer_.StartObject();
+    if (result) {
+      key(u"result");
+      write(*result);
+    }
+    writer_.EndObject();
+  }
+
+ private:
+  void string(std::u16string_view text) {
+    const auto count = static_cast<rapidjson::SizeType>(text.size());
+    if (text.empty()) {
+      writer_.String(u"", 0);
+    } else if ((text.back() & 0xFC00) == 0xD800) {
+      // The decoder looks for the second half of a pair, so it must find an end.
+      writer_.String(std::u16string(text).c_str(), count);
+    } else {
+      writer_.String(text.data(), count);
+    }
+  }
+  void key(std::u16string_view label) { string(label); }
+
+  void form(std::u16string_view label, std::u16string_view text) {
+    writer_.StartObject();
+    key(label);
+    string(text);
+    writer_.EndObject();
+  }
+  void form(std::u16string_view label, std::string_view utf8) {
+    form(label, foundation::utf16FromUtf8Replacing(utf8));
+  }
+
+  void literal(std::string_view digits) {
+    const std::u16string units(digits.begin(), digits.end());
+    writer_.RawValue(units.data(), units.size(), rapidjson::kNumberType);
+  }
+
+  void writeNumber(Number number) {
+    switch (number.kind()) {
+      case NumberKind::boolean:
+        writer_.Bool(number.isNonZero());
+        return;
+      case NumberKind::unsigned64:
+        writer_.Uint64(number.asUnsigned());
+        return;
+      case NumberKind::real:
+        writeReal(number.asReal());
+        return;
+      default:
+        writer_.Int64(number.asInteger());
+    }
+  }
+
+  void writeReal(double real) {
+    if (std::isnan(real)) return form(u"$real", u"nan");
+    if (std::isinf(real)) return form(u"$real", real > 0 ? u"inf" : u"-inf");
+    char digits[64];
+    // Plain digits for numbers of everyday size, an exponent beyond: both are
+    // the shortest that read back the same.
+    const double size = std::abs(real);
+    const bool isEveryday = real == 0 || (size >= 1e-4 && size < 1e16);
+    char* end = std::to_chars(digits, digits + sizeof digits - 2, real,
+                              isEveryday ? std::chars_format::fixed : std::chars_format::scientific)
+                    .ptr;
+    if (isEveryday && std::find(digits, end, '.') == end) {
+      *end++ = '.';
+      *end++ = '0';
+    }
+    literal({digits, static_cast<std::size_t>(end - digits)});
+  }
+
+  void writeList(const ScriptValue& list) {
+    writer_.StartArray();
+    for (const ScriptValue& item : list.items()) write(item);
+    writer_.EndArray();
+  }
+
+  void writeRecord(const ScriptValue& record) {
+    const bool isWrapped = looksSpecial(record);
+    if (isWrapped) {
+      writer_.StartObject();
+      key(u"$record");
+    }
+    writer_.StartObject();
+    if (record.type() != "reco"_code) {
+      key(foundation::keyFromKeyword("pcls"_code));
+      form(u"$type", foundation::textFromCode(record.type()));
+    }
+    for (const ScriptField& field : record.fields()) {
+      if (const auto userFields = plainUserFields(field)) {
+        for (std::size_t i = 0; i < userFields->size(); i += 2) {
+          key(core::textFromScriptValue((*userFields)[i])->view());
+          write((*userFields)[i + 1]);
+        }
+      } else {
+        key(foundation::keyFromKeyword(field.keyword));
+        write(field.value);
+      }
+    }
+    writer_.EndObject();
+    if (isWrapped) writer_.EndObject();
+  }
+
+  // The types that have a form of their own; false when this value is not in it.
+  bool writeOther(const ScriptValue& value) {
+    switch (number(value.type())) {
+      case number("list"_code):
+        if (value.hasItems()) writeList(value);
+        return value.hasItems();
+      case number("msng"_code):
+        return writer_.Null();
+      case number("null"_code):
+        writer_.StartObject();
+        key(u"$null");
+        writer_.Bool(true);
+        writer_.EndObject();
+        return true;
+      case number("type"_code):
+        if (value.isMissingValue()) return writer_.Null();
+        if (!value.namedCode()) return false;
+        form(u"$type", foundation::textFromCode(*value.namedCode()));
+        return true;
+      case number("enum"_code):
+        return writeEnumerator(value);
+      case number("ldt "_code):
+        return writeDate(value);
+      case number("furl"_code):
+        return writeFile(value);
+      case number("alis"_code):
+        return writePath(u"$alias", value.payload());
+      case number("fsrf"_code):
+        return writePath(u"$fsrf", value.payload());
+      case number("rdat"_code):
+        form(u"$data", foundation::base64FromBytes(value.payload()));
+        return true;
+      case number("scpt"_code):
+        form(u"$script", foundation::base64FromBytes(value.payload()));
+        return true;
+      default:
+        return false;
+    }
+  }
+
+  bool writeEnumerator(const ScriptValue& value) {
+    const auto code = value.plain<FourCharCode>();
+    if (!code) return false;
+    const std::u16string text = foundation::textFromCode(*code);
+    if (std::ranges::all_of(text, [](char16_t unit) { return unit >= u' ' && unit < 0x7F; })) {
+      form(u"$enum", text);
+    } else {
+      char hexadecimal[16];
+      const int length = std::snprintf(hexadecimal, sizeof hexadecimal, "0x%08X", number(*code));
+      form(u"$enum", std::string_view(hexadecimal, static_cast<std::size_t>(length)));
+    }
+    return true;
+  }
+
+  bool writeDate(const ScriptValue& value) {
+    const auto seconds = value.plain<std::int64_t>();
+    if (!seconds) return false;
+    if (const auto date = foundation::iso8601FromLongDateTime(*seconds)) {
+      form(u"$date", *date);
+    } else {
+      writer_.StartObject();
+      key(u"$ldt");
+      writer_.Int64(*seconds);
+      writer_.EndObject();
+    }
+    return true;
+  }
+
+  bool writeFile(const ScriptValue& value) {
+    const auto url = foundation::parseUrl(value.payload());
+    const auto path = url ? foundation::filePath(*url) : std::nullopt;
+    if (path && writePath(u"$file", *path)) return true;
+    const auto payload = foundation::utf16FromUtf8(value.payload());
+    if (payload) form(u"$url", *payload);
+    return payload.has_value();
+  }
+
+  // A path can be any bytes; what is no UTF-8 has no such form.
+  bool writePath(std::u16string_view label, std::string_view path) {
+    while (path.size() > 1 && path.ends_with('/')) path.remove_suffix(1);
+    const auto text = foundation::utf16FromUtf8(path);
+    if (!text || !path.starts_with('/')) return false;
+    form(label, *text);
+    return true;
+  }
+
+  void writeRaw(const ScriptValue& value) {
+    writer_.StartObject();
+    key(u"$raw");
+    string(foundation::textFromCode(value.type()));
+    key(u"data");
+    string(foundation::utf16FromUtf8Replacing(foundation::base64FromBytes(value.payload())));
+    writer_.EndObject();
+  }
+
+  Writer writer_;
+};
+
+template <class Write>
+void writeThrough(const JsonSink& sink, Write&& write) {
+  Pieces pieces(sink);
+  ValueWriter writer(pieces);
+  write(writer);
+  pieces.Flush();
+}
+
+}  // namespace
+
+void writeTypedJson(const ScriptValue& value, const JsonSink& sink) {
+  writeThrough(sink, [&](ValueWriter& writer) { writer.write(value); });
+}
+
+void writeReply(const core::Reply& reply, const JsonSink& sink) {
+  writeThrough(sink, [&](ValueWriter& writer) {
+    if (const auto* error = std::get_if<core::ScriptError>(&reply)) {
+      writer.writeError(*error);
+    } else {
+      writer.writeResult(std::get<std::optional<ScriptValue>>(reply));
+    }
+  });
+}
+
+std::string typedJson(const ScriptValue& value) {
+  std::string text;
+  writeTypedJson(value, [&text](std::string_view piece) { text += piece; });
+  return text;
+}
+
+}  // namespace skerrow::scripting

@@ -1,0 +1,99 @@
+#!/usr/bin/env python3
+"""Checks that includes point down: prints each include that must not be and exits with 1.
+
+A room includes itself and rooms below it. Outside libraries are wrapped in one place each.
+Headers include each other without cycles.
+"""
+
+import re
+import sys
+from pathlib import Path
+
+# The rooms, highest first. Rooms in one row stand beside each other.
+ROWS = [
+    ["cli", "service"],
+    ["bus", "osa", "desktop"],
+    ["app", "text", "lists", "files"],
+    ["scripting"],
+    ["core"],
+    ["foundation"],
+    ["platform"],
+    ["values"],
+]
+
+# What only some places may include: its name, its headers, the places (path prefixes).
+RESERVED = [
+    ("ICU", r"unicode/", ["foundation/", "text/regex_service"]),
+    ("Qt", r"Q[A-Z]|Qt|q[a-z]+\.h$", ["desktop/", "tests/desktop/"]),
+    ("D-Bus", r"systemd/sd-bus|dbus/|gio/gdbus|giomm/dbus", ["bus/", "tests/bus/"]),
+    (
+        "the operating system",
+        r"(sys|linux|netinet|arpa)/"
+        r"|(unistd|fcntl|poll|dirent|dlfcn|pwd|grp|spawn|termios|sched)\.h$|glib-unix\.h$",
+        ["platform/", "tests/", "bench/"],
+    ),
+]
+
+OTHER_FOLDERS = ["tests", "bench", "fuzz"]  # may include every room
+INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)
+LEVEL = {room: level for level, row in enumerate(ROWS) for room in row}
+
+
+def mayInclude(room, other):
+    """Whether the folder `room` may include headers of the folder `other`."""
+    if room == other or room in OTHER_FOLDERS:
+        return True
+    return other in LEVEL and LEVEL[other] > LEVEL[room]
+
+
+def problemsOfInclude(source, quote, header, root):
+    """What is wrong with one include line, as sentences."""
+    room, other = source.split("/")[0], header.split("/")[0]
+    if quote == '"' and not (root / header).is_file():
+        yield f'"{header}" is not there (write paths from the top folder)'
+    elif (root / header).is_file() and not mayInclude(room, other):
+        yield f"{room} must not include {other} ({header})"
+    for name, headers, places in RESERVED:
+        if quote == "<" and re.match(headers, header) and not source.startswith(tuple(places)):
+            yield f"only {' and '.join(places)} may include {name} ({header})"
+
+
+def cycles(graph):
+    """Every include cycle, as the list of files on it; each is found once."""
+    done = set()
+
+    def visit(file, path):
+        if file in path:
+            yield path[path.index(file):] + [file]
+        elif file not in done:
+            for header in graph.get(file, []):
+                yield from visit(header, path + [file])
+            done.add(file)
+
+    for file in sorted(graph):
+        yield from visit(file, [])
+
+
+def problems(root):
+    graph = {}
+    for folder in [*LEVEL, *OTHER_FOLDERS]:
+        for path in sorted((root / folder).rglob("*")):
+            if path.suffix not in (".h", ".cpp"):
+                continue
+            source = path.relative_to(root).as_posix()
+            text = path.read_text()
+            graph[source] = []
+            for match in INCLUDE.finditer(text):
+                quote, header = match.groups()
+                graph[source].append(header)
+                line = text.count("\n", 0, match.start(1)) + 1
+                for problem in problemsOfInclude(source, quote, header, root):
+                    yield f"{source}:{line}: {problem}"
+    for cycle in cycles(graph):
+        yield f"{cycle[0]}: includes itself: {' -> '.join(cycle)}"
+
+
+if __name__ == "__main__":
+    found = list(problems(Path(__file__).resolve().parent.parent))
+    print("\n".join(found), end="\n" if found else "")
+    sys.exit(1 if found else 0)

@@ -1,0 +1,11 @@
+#include "values/depth.h"
+
+#include <string>
+
+namespace skerrow {
+
+NestingTooDeep::NestingTooDeep()
+    : std::length_error("Lists and records can be nested at most " + std::to_string(kMaximumDepth) +
+                        " deep.") {}
+
+}  // namespace skerrow

@@ -1,0 +1,128 @@
+#pragma once
+// ScriptValue: a value at the scripting boundary. It carries a four-character
+// type code and either a payload of bytes (in the host's byte order), the items
+// of a list, or the fields of a record. Two words wide: payloads of up to eight
+// bytes are held inline, everything else is one immutable block shared between
+// copies. Safe to copy and read on any thread.
+//
+// Text made here is of type 'utxt' and keeps its units as they are; a 'utxt'
+// made from bytes is kept as bytes and decoded by whoever unpacks it.
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "values/four_char_code.h"
+#include "values/text.h"
+
+namespace skerrow {
+
+struct ScriptField;
+
+class ScriptValue {
+ public:
+  /// The "missing value" constant: type 'type' with the payload 'msng'.
+  ScriptValue() noexcept;
+
+  ScriptValue(const ScriptValue& other) noexcept;
+  ScriptValue(ScriptValue&& other) noexcept;
+  ScriptValue& operator=(const ScriptValue& other) noexcept;
+  ScriptValue& operator=(ScriptValue&& other) noexcept;
+  ~ScriptValue();
+
+  /// A value of any type from the bytes of its payload.
+  static ScriptValue withPayload(FourCharCode type, std::string_view payload);
+  /// The same for a payload that is a plain number in the host's byte order.
+  template <class Plain>
+  static ScriptValue withPlain(FourCharCode type, const Plain& plain) {
+    return withPayload(type, {reinterpret_cast<const char*>(&plain), sizeof plain});
+  }
+  static ScriptValue text(Text text);
+  static ScriptValue boolean(bool value);
+  static ScriptValue integer32(std::int32_t value);
+  static ScriptValue real(double value);
+  /// A value of type 'type' (a class or constant) that names a code.
+  static ScriptValue typeCode(FourCharCode code);
+  /// The platform's null value, which is not "missing value".
+  static ScriptValue null();
+  /// Throws NestingTooDeep.
+  static ScriptValue list(std::vector<ScriptValue> items);
+  /// A record of the class `type` ('reco' for a plain one). Throws NestingTooDeep.
+  static ScriptValue record(FourCharCode type, std::vector<ScriptField> fields);
+
+  [[nodiscard]] FourCharCode type() const noexcept { return type_; }
+
+  /// Whether this is a list or record that holds its items (one made from bytes does not).
+  [[nodiscard]] bool hasItems() const noexcept { return storage_ == Storage::items; }
+  /// Whether this is shaped like a record, of whatever class.
+  [[nodiscard]] bool hasFields() const noexcept { return storage_ == Storage::fields; }
+  /// The items of a list; empty for anything else.
+  [[nodiscard]] std::span<const ScriptValue> items() const noexcept;
+  /// The fields of a record in stored order; empty for anything else.
+  [[nodiscard]] std::span<const ScriptField> fields() const noexcept;
+  /// The text, if this was made from one; nothing for payloads given as bytes.
+  [[nodiscard]] std::optional<Text> heldText() const noexcept;
+  /// Its units, valid as long as any copy of this value lives.
+  [[nodiscard]] std::optional<std::u16string_view> heldUnits() const noexcept;
+  /// The same text, handed over.
+  [[nodiscard]] std::optional<Text> takeText() && noexcept;
+  /// The items of a list, handed over where nobody else has them, else copied.
+  [[nodiscard]] std::vector<ScriptValue> takeItems() &&;
+  /// The payload's bytes, valid as long as this object; empty for lists and records.
+  [[nodiscard]] std::string_view payload() const noexcept;
+  /// The payload as a plain number, or nothing when its width is another.
+  template <class Plain>
+  [[nodiscard]] std::optional<Plain> plain() const noexcept {
+    const std::string_view bytes = payload();
+    if (bytes.size() != sizeof(Plain)) return std::nullopt;
+    Plain value;
+    __builtin_memcpy(&value, bytes.data(), sizeof value);
+    return value;
+  }
+  /// The code that a value of type 'type' names; nothing for any other value.
+  [[nodiscard]] std::optional<FourCharCode> namedCode() const noexcept;
+  [[nodiscard]] bool isMissingValue() const noexcept;
+
+  /// 0 for a plain value, 1 more than the deepest item for a list or record.
+  [[nodiscard]] std::uint32_t depth() const noexcept;
+
+  /// Same type and same payload, items or fields, in the same order.
+  friend bool operator==(const ScriptValue& a, const ScriptValue& b) noexcept;
+
+ private:
+  enum class Storage : std::uint8_t { inlineBytes, bytes, text, items, fields };
+  static constexpr std::size_t kInlineBytes = 8;
+
+  struct Bytes;
+  struct Items;
+  struct Fields;
+
+  ScriptValue(FourCharCode type, Storage storage, const void* block) noexcept;
+  void retain() const noexcept;
+  void release() noexcept;
+  template <class Block>
+  [[nodiscard]] const Block* block() const noexcept {
+    return static_cast<const Block*>(shared_);
+  }
+
+  FourCharCode type_;
+  Storage storage_ = Storage::inlineBytes;
+  std::uint8_t inlineCount_ = 0;
+  union {
+    char inline_[kInlineBytes];
+    const void* shared_;
+  };
+};
+
+/// One field of a record at the scripting boundary.
+struct ScriptField {
+  FourCharCode keyword;
+  ScriptValue value;
+
+  friend bool operator==(const ScriptField&, const ScriptField&) = default;
+};
+
+}  // namespace skerrow

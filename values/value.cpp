@@ -1,0 +1,287 @@
+#include "values/value.h"
+
+#include <algorithm>
+#include <functional>
+#include <utility>
+
+#include "values/depth.h"
+#include "values/record.h"
+#include "values/script_value.h"
+#include "values/shared_count.h"
+
+namespace skerrow {
+
+struct Value::ListBlock : SharedCount {
+  std::uint32_t depth = 0;
+  std::vector<Value> items;
+};
+
+struct Value::RecordBlock : SharedCount {
+  std::uint32_t depth = 0;
+  Record record;
+};
+
+template <class Content>
+struct Value::Block : SharedCount {
+  Content content;
+};
+
+namespace {
+
+std::uint32_t deeperBy(std::uint32_t levels, std::uint32_t deepest) {
+  if (deepest + levels > kMaximumDepth) throw NestingTooDeep();
+  return deepest + levels;
+}
+
+std::size_t combined(std::size_t hash, std::size_t next) {
+  return (hash ^ next) * 0x9E3779B97F4A7C15ULL + (hash >> 7U);
+}
+
+std::size_t hashOf(std::string_view bytes) { return std::hash<std::string_view>{}(bytes); }
+
+}  // namespace
+
+Value::Value(Number number) noexcept : kind_(Kind::number), numberKind_(number.kind_) {
+  if (number.kind_ == NumberKind::real) {
+    real_ = number.real_;
+  } else if (number.kind_ == NumberKind::unsigned64) {
+    unsigned_ = number.unsigned_;
+  } else {
+    signed_ = number.signed_;
+  }
+}
+
+Value::Value(Date date) noexcept : kind_(Kind::date), real_(date.seconds) {}
+
+Value::Value(Text text) noexcept : kind_(Kind::text), shared_(std::move(text).releasePayload()) {}
+
+Value::Value(std::u16string_view text) : Value(Text(text)) {}
+
+Value::Value(const char16_t* text) : Value(std::u16string_view(text)) {}
+
+Value::Value(std::u16string&& text) : Value(Text(std::move(text))) {}
+
+Value::Value(Url url) : kind_(Kind::url), shared_(new Block<Url>{{}, std::move(url)}) {}
+
+Value::Value(std::vector<Value> items) : kind_(Kind::list) {
+  std::uint32_t deepest = 0;
+  for (const Value& item : items) deepest = std::max(deepest, item.depth());
+  shared_ = new ListBlock{{}, deeperBy(1, deepest), std::move(items)};
+}
+
+Value::Value(Record record) : kind_(Kind::record) {
+  std::uint32_t deepest = 0;
+  for (const Record::Field& field : record.fields()) {
+    deepest = std::max({deepest, field.key.depth(), field.value.depth()});
+  }
+  shared_ = new RecordBlock{{}, deeperBy(2, deepest), std::move(record)};
+}
+
+Value::Value(ScriptValue raw)
+    : kind_(Kind::raw), shared_(new Block<ScriptValue>{{}, std::move(raw)}) {}
+
+Value::Value(ErrorObject error)
+    : kind_(Kind::error), shared_(new Block<ErrorObject>{{}, std::move(error)}) {}
+
+Value::Value(OpaqueObject object)
+    : kind_(Kind::opaque), shared_(new Block<OpaqueObject>{{}, std::move(object)}) {}
+
+Value Value::data(std::string bytes) {
+  Value value;
+  value.shared_ = new Block<std::string>{{}, std::move(bytes)};
+  value.kind_ = Kind::data;
+  return value;
+}
+
+template <class Visitor>
+void Value::withBlock(Visitor&& visitor) const noexcept {
+  switch (kind_) {
+    case Kind::null:
+    case Kind::number:
+    case Kind::date:
+    case Kind::text:  // shared with ScriptValue, kept by Text
+      return;
+    case Kind::url:
+      return visitor(block<Block<Url>>());
+    case Kind::list:
+      return visitor(block<ListBlock>());
+    case Kind::record:
+      return visitor(block<RecordBlock>());
+    case Kind::data:
+      return visitor(block<Block<std::string>>());
+    case Kind::raw:
+      return visitor(block<Block<ScriptValue>>());
+    case Kind::error:
+      return visitor(block<Block<ErrorObject>>());
+    case Kind::opaque:
+      return visitor(block<Block<OpaqueObject>>());
+  }
+}
+
+void Value::retain() const noexcept {
+  if (kind_ == Kind::text) return Text::retain(block<TextPayload>());
+  withBlock([](const auto* shared) { shared->retain(); });
+}
+
+void Value::release() noexcept {
+  if (kind_ == Kind::text) return Text::release(block<TextPayload>());
+  withBlock([](const auto* shared) {
+    if (shared->release()) delete shared;
+  });
+}
+
+Value::Value(const Value& other) noexcept
+    : kind_(other.kind_), numberKind_(other.numberKind_), signed_(other.signed_) {
+  retain();
+}
+
+Value::Value(Value&& other) noexcept
+    : kind_(std::exchange(other.kind_, Kind::null)),
+      numberKind_(other.numberKind_),
+      signed_(other.signed_) {}
+
+Value& Value::operator=(const Value& other) noexcept { return *this = Value(other); }
+
+Value& Value::operator=(Value&& other) noexcept {
+  if (this == &other) return *this;
+  release();
+  kind_ = std::exchange(other.kind_, Kind::null);
+  numberKind_ = other.numberKind_;
+  signed_ = other.signed_;
+  return *this;
+}
+
+Value::~Value() { release(); }
+
+Number Value::number() const noexcept {
+  if (numberKind_ == NumberKind::real) return Number::real(real_);
+  if (numberKind_ == NumberKind::unsigned64) return Number::unsigned64(unsigned_);
+  return {numberKind_, signed_};
+}
+
+Date Value::date() const noexcept { return {real_}; }
+
+std::u16string_view Value::text() const noexcept { return Text::view(block<TextPayload>()); }
+
+Text Value::sharedText() const noexcept {
+  Text::retain(block<TextPayload>());
+  return Text(block<TextPayload>());
+}
+
+const Url& Value::url() const noexcept { return block<Block<Url>>()->content; }
+
+std::span<const Value> Value::items() const noexcept { return block<ListBlock>()->items; }
+
+const Record& Value::record() const noexcept { return block<RecordBlock>()->record; }
+
+const std::string& Value::data() const noexcept { return block<Block<std::string>>()->content; }
+
+const ScriptValue& Value::raw() const noexcept { return block<Block<ScriptValue>>()->content; }
+
+const ErrorObject& Value::error() const noexcept { return block<Block<ErrorObject>>()->content; }
+
+const OpaqueObject& Value::opaque() const noexcept { return block<Block<OpaqueObject>>()->content; }
+
+Text Value::takeText() && noexcept {
+  kind_ = Kind::null;
+  return Text(block<TextPayload>());
+}
+
+std::vector<Value> Value::takeItems() && {
+  std::vector<Value> items;
+  if (block<ListBlock>()->isUnique()) {
+    // Nobody else sees the block, and it goes with this value.
+    items = std::move(const_cast<ListBlock*>(block<ListBlock>())->items);
+  } else {
+    items = block<ListBlock>()->items;
+  }
+  *this = Value();
+  return items;
+}
+
+std::uint32_t Value::depth() const noexcept {
+  switch (kind_) {
+    case Kind::list:
+      return block<ListBlock>()->depth;
+    case Kind::record:
+      return block<RecordBlock>()->depth;
+    case Kind::raw:
+      return raw().depth();
+    default:
+      return 0;
+  }
+}
+
+bool operator==(const Value& a, const Value& b) noexcept {
+  if (a.kind_ != b.kind_) return false;
+  switch (a.kind_) {
+    case Kind::null:
+      return true;
+    case Kind::number:
+      return a.number() == b.number();
+    case Kind::date:
+      return a.real_ == b.real_;
+    case Kind::text:
+      return a.shared_ == b.shared_ || a.text() == b.text();
+    default:
+      break;
+  }
+  if (a.shared_ == b.shared_) return true;
+  switch (a.kind_) {
+    case Kind::url:
+      return a.url().absoluteString == b.url().absoluteString;
+    case Kind::list:
+      return std::ranges::equal(a.items(), b.items());
+    case Kind::record:
+      return a.record() == b.record();
+    case Kind::data:
+      return a.data() == b.data();
+    case Kind::raw:
+      return a.raw() == b.raw();
+    case Kind::error:
+      return a.error().localizedDescription == b.error().localizedDescription;
+    default:
+      return false;  // an opaque object equals only itself
+  }
+}
+
+std::size_t Value::hash() const noexcept {
+  const auto seed = static_cast<std::size_t>(kind_) + 1;
+  switch (kind_) {
+    case Kind::null:
+      return seed;
+    case Kind::number:
+      return number().hash();
+    case Kind::date:
+      return combined(seed, Number::real(real_).hash());
+    case Kind::text: {
+      const std::u16string_view units = text();
+      return std::hash<std::u16string_view>{}(units);
+    }
+    case Kind::url:
+      return combined(seed, hashOf(url().absoluteString));
+    case Kind::list: {
+      std::size_t hash = seed;
+      for (const Value& item : items()) hash = combined(hash, item.hash());
+      return hash;
+    }
+    case Kind::record: {
+      std::size_t hash = seed;  // a sum, as equality does not see the order
+      for (const Record::Field& field : record().fields()) {
+        hash += combined(field.key.hash(), field.value.hash());
+      }
+      return hash;
+    }
+    case Kind::data:
+      return combined(seed, hashOf(data()));
+    case Kind::raw:
+      return combined(skerrow::number(raw().type()), hashOf(raw().payload()));
+    case Kind::error:
+      return combined(seed, hashOf(error().localizedDescription));
+    case Kind::opaque:
+      return combined(seed, std::hash<const void*>{}(shared_));
+  }
+  return seed;
+}
+
+}  // namespace skerrow
