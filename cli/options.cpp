@@ -131,18 +131,18 @@ Options readCommands(Words words) {
 
 }  // namespace
 
-Options readOptions(std::span<const char* const> given) {
-  Words words(given);
-  if (words.isEmpty()) throw UsageError("say what to do, such as “skerrow perform SKWModifyList”");
-  const std::string verb = words.take();
-  if (verb == "perform") return readPerform(words);
-  if (verb == "commands") return readCommands(words);
+Options readOptions(std::span<const char* const> words) {
+  Words left(words);
+  if (left.isEmpty()) throw UsageError("say what to do, such as “skerrow perform SKWModifyList”");
+  const std::string verb = left.take();
+  if (verb == "perform") return readPerform(left);
+  if (verb == "commands") return readCommands(left);
   if (verb == "--help" || verb == "-h") {
-    words.requireEnd();
+    left.requireEnd();
     return ShowHelp{};
   }
   if (verb == "--version") {
-    words.requireEnd();
+    left.requireEnd();
     return ShowVersion{};
   }
   throw UsageError("there is nothing called “" + verb + "” to do");

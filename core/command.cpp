@@ -65,7 +65,8 @@ void Command::setScriptErrorString(std::string message) {
 std::optional<Reply> Command::perform() {
   state_ = State::checking;
   Outcome outcome = guarded([this] { return performDefaultImplementation(); });
-  if (state() != State::checking) return std::nullopt;
+  // Once suspended the reply comes from the task, unless it could not be queued.
+  if (state() != State::checking && !outcome.isFailed) return std::nullopt;
   state_ = State::resumed;
   return replyWith(std::move(outcome.result));
 }
@@ -95,6 +96,7 @@ Command::Outcome Command::guarded(const std::function<std::optional<Value>()>& w
   try {
     if (std::optional<Value> value = work()) outcome.result = makeDescriptor(std::move(*value));
   } catch (...) {
+    outcome.isFailed = true;
     recordCurrentException(outcome.isAnswered);
   }
   return outcome;

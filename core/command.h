@@ -132,6 +132,7 @@ class Command : public std::enable_shared_from_this<Command> {
   /// How a piece of a command's work ended.
   struct Outcome {
     std::optional<ScriptValue> result;
+    bool isFailed = false;
     bool isAnswered = true;
   };
 

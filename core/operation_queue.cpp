@@ -1,5 +1,6 @@
 #include "core/operation_queue.h"
 
+#include <system_error>
 #include <utility>
 
 namespace skerrow::core {
@@ -19,11 +20,20 @@ void WorkerPool::run(Operation operation) {
   {
     const std::lock_guard lock(mutex_);
     waiting_.push_back(std::move(operation));
-    if (idleThreads_ < waiting_.size() && threads_.size() < kMaximumThreads) {
-      threads_.emplace_back([this] { serve(); });
-    }
+    if (idleThreads_ < waiting_.size() && threads_.size() < kMaximumThreads) startThread();
   }
   wake_.notify_one();
+}
+
+// A system that gives no further thread leaves the work to those that there are.
+void WorkerPool::startThread() {
+  try {
+    threads_.emplace_back([this] { serve(); });
+  } catch (const std::system_error&) {
+    if (!threads_.empty()) return;
+    waiting_.pop_back();
+    throw;
+  }
 }
 
 void WorkerPool::serve() {

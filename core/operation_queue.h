@@ -27,10 +27,12 @@ class WorkerPool {
   /// Drops the operations that wait and joins those that run.
   ~WorkerPool();
 
-  /// Hands over an operation, which must not throw. Callable on any thread.
+  /// Hands over an operation, which must not throw. Callable on any thread. Throws
+  /// std::system_error when the system gives not even one thread.
   void run(Operation operation);
 
  private:
+  void startThread();
   void serve();
 
   std::mutex mutex_;

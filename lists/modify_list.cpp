@@ -4,6 +4,7 @@
 #include <iterator>
 #include <limits>
 #include <memory>
+#include <ranges>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -121,8 +122,7 @@ void removePositions(Items& list, std::vector<std::pair<std::size_t, std::int64_
   Items kept;  // what stays of the items from `unseen` on, last item first
   std::size_t unseen = list.size();
   std::size_t count = list.size();
-  for (auto next = positions.rbegin(); next != positions.rend(); ++next) {
-    const auto& [position, asGiven] = *next;
+  for (const auto& [position, asGiven] : std::ranges::reverse_view(positions)) {
     while (unseen > position) kept.push_back(std::move(list[--unseen]));
     if (kept.empty()) throw ScriptError(kNoSuchItem, asGiven, count);
     kept.pop_back();

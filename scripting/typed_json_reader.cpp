@@ -183,7 +183,9 @@ void read(JsonSource& source, Receiver& receiver) {
   try {
     const rapidjson::ParseResult result = reader.Parse<kFlags>(source, receiver);
     if (result.IsError()) {
-      std::string problem = rapidjson::GetParseError_En(result.Code());
+      std::string problem = result.Code() == rapidjson::kParseErrorDocumentEmpty
+                                ? "there is no JSON value here"
+                                : rapidjson::GetParseError_En(result.Code());
       while (problem.ends_with('.')) problem.pop_back();
       failAt(source, result.Offset(), problem);
     }
