@@ -1,10 +1,10 @@
 #include "lists/modify_list.h"
 
 #include <algorithm>
+#include <functional>
 #include <iterator>
 #include <limits>
 #include <memory>
-#include <ranges>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -118,11 +118,11 @@ void transpose(Items& list, const Givens& /*givens*/) {
 // Removes from the highest position down. Positions are not merged: each repeat
 // removes the item that has moved up to the place meanwhile.
 void removePositions(Items& list, std::vector<std::pair<std::size_t, std::int64_t>> positions) {
-  std::ranges::sort(positions);
+  std::ranges::sort(positions, std::greater<>());
   Items kept;  // what stays of the items from `unseen` on, last item first
   std::size_t unseen = list.size();
   std::size_t count = list.size();
-  for (const auto& [position, asGiven] : std::ranges::reverse_view(positions)) {
+  for (const auto& [position, asGiven] : positions) {
     while (unseen > position) kept.push_back(std::move(list[--unseen]));
     if (kept.empty()) throw ScriptError(kNoSuchItem, asGiven, count);
     kept.pop_back();
