@@ -14,7 +14,8 @@ configure = [ -f build/$(1)/build.ninja ] || { mkdir -p build/$(1) && \
 build = $(call configure,$(1)) && cmake --build --preset $(1) -j $(JOBS)
 test = ctest --preset $(1)
 
-.PHONY: demo test build bench install format format-check lint asan tsan check-includes clean
+.PHONY: demo test build bench install docs docs-check format format-check lint asan tsan \
+        check-includes clean
 
 demo:
 	@tools/setup.sh build
@@ -36,6 +37,13 @@ bench:
 
 install: build
 	@cmake --install build/release --prefix "$(PREFIX)"
+
+# docs/commands.md, from the scripting dictionary.
+docs:
+	@python3 tools/make_command_reference.py
+
+docs-check:
+	@python3 tools/make_command_reference.py --check
 
 format:
 	@clang-format-14 -i $(sources)

@@ -96,6 +96,8 @@ Options readPerform(Words words) {
       setOnce(perform.arguments, word, words.valueOf(word, std::move(attached)));
     } else if (word == "--timeout") {
       setOnce(timeout, word, words.valueOf(word, std::move(attached)));
+    } else if (word == "--help") {
+      return ShowHelp{};
     } else if (word == "--stdin") {
       isStream = true;
     } else if (word.starts_with('-')) {
@@ -126,6 +128,7 @@ Options readCommands(Words words) {
   ListCommands list;
   if (!words.isEmpty()) list.command = words.take();
   words.requireEnd();
+  if (list.command == "--help") return ShowHelp{};
   return list;
 }
 

@@ -18,6 +18,12 @@ class UsageError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// Input that an option names and that cannot be read.
+class InputError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
 struct ShowHelp {};
 struct ShowVersion {};
 

@@ -65,7 +65,7 @@ auto readOption(const std::string& option, const std::string& word, Read&& read)
   } catch (const JsonError& error) {
     throw JsonError(option + ": " + error.what());
   } catch (const platform::PlatformError& error) {
-    throw UsageError(option + ": " + error.localizedDescription());
+    throw InputError(option + ": " + error.localizedDescription());
   }
 }
 

@@ -49,6 +49,8 @@ int runProgram(std::span<const char* const> words) {
   } catch (const UsageError& error) {
     return complain(std::string(error.what()) + " (“skerrow --help” shows what there is).",
                     kWrongUsage);
+  } catch (const InputError& error) {
+    return complain(error.what(), kWrongUsage);
   } catch (const scripting::JsonError& error) {
     return complain(std::string(error.what()) + ".", kWrongUsage);
   } catch (const platform::PlatformError& error) {

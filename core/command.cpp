@@ -89,6 +89,7 @@ void Command::runTask() {
   if (!outcome.isAnswered) return;
   if (quitTimer() == QuitTimer::stoppedWhileWorking) context().delegate.startQuitTimer();
   resumeExecutionWithResult(std::move(outcome.result));
+  discarded_.clear();
 }
 
 Command::Outcome Command::guarded(const std::function<std::optional<Value>()>& work) noexcept {

@@ -103,6 +103,10 @@ class Command : public std::enable_shared_from_this<Command> {
   /// The work, on a worker thread. Nothing is a result too.
   virtual std::optional<Value> compute() = 0;
 
+  /// For `compute`: keeps values that are not needed any more until the script has
+  /// its answer, as giving the memory of many back can take as long as the work.
+  void discard(std::vector<Value> values) { discarded_.push_back(std::move(values)); }
+
   [[nodiscard]] const std::optional<ScriptValue>& directParameter() const noexcept {
     return directParameter_;
   }
@@ -147,6 +151,7 @@ class Command : public std::enable_shared_from_this<Command> {
   const CommandContext* context_ = nullptr;
   ReplyReceiver receiver_;
   CancelToken cancelToken_;
+  std::vector<std::vector<Value>> discarded_;
   std::optional<ScriptError> scriptError_;
   std::atomic<State> state_ = State::created;
 };

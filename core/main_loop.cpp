@@ -3,11 +3,14 @@
 #include <glib.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cassert>
 #include <deque>
 #include <mutex>
 #include <thread>
 #include <utility>
+
+#include "core/spin.h"
 
 namespace skerrow::core {
 
@@ -17,7 +20,8 @@ struct MainLoop::State {
   GMainContext* context = g_main_context_new();
   std::thread::id thread = std::this_thread::get_id();
   std::mutex mutex;
-  std::deque<Task> posted;  // under mutex
+  std::deque<Task> posted;              // under mutex
+  std::atomic<bool> hasPosted = false;  // set under mutex, looked at without it
 };
 
 namespace {
@@ -41,6 +45,7 @@ void MainLoop::post(Task task) {
   {
     const std::lock_guard lock(state_->mutex);
     state_->posted.push_back(std::move(task));
+    state_->hasPosted = true;
   }
   g_main_context_wakeup(state_->context);
 }
@@ -69,9 +74,13 @@ void MainLoop::runUntil(const std::function<bool()>& isDone) {
     {
       const std::lock_guard lock(state_->mutex);
       tasks.swap(state_->posted);
+      state_->hasPosted = false;
     }
     if (tasks.empty()) {
-      g_main_context_iteration(state_->context, TRUE);
+      // A reply that comes within microseconds finds the thread awake.
+      if (!spinUntil([this] { return state_->hasPosted.load(std::memory_order_acquire); })) {
+        g_main_context_iteration(state_->context, TRUE);
+      }
       continue;
     }
     for (Task& task : tasks) task();

@@ -3,6 +3,8 @@
 #include <system_error>
 #include <utility>
 
+#include "core/spin.h"
+
 namespace skerrow::core {
 
 WorkerPool::~WorkerPool() {
@@ -20,6 +22,7 @@ void WorkerPool::run(Operation operation) {
   {
     const std::lock_guard lock(mutex_);
     waiting_.push_back(std::move(operation));
+    waitingCount_ = waiting_.size();
     if (idleThreads_ < waiting_.size() && threads_.size() < kMaximumThreads) startThread();
   }
   wake_.notify_one();
@@ -32,6 +35,7 @@ void WorkerPool::startThread() {
   } catch (const std::system_error&) {
     if (!threads_.empty()) return;
     waiting_.pop_back();
+    waitingCount_ = waiting_.size();
     throw;
   }
 }
@@ -40,11 +44,17 @@ void WorkerPool::serve() {
   std::unique_lock lock(mutex_);
   for (;;) {
     ++idleThreads_;
+    if (waiting_.empty() && !isClosing_) {
+      lock.unlock();
+      spinUntil([this] { return waitingCount_.load(std::memory_order_acquire) > 0; });
+      lock.lock();
+    }
     wake_.wait(lock, [this] { return isClosing_ || !waiting_.empty(); });
     --idleThreads_;
     if (isClosing_) return;
     Operation operation = std::move(waiting_.front());
     waiting_.pop_front();
+    waitingCount_ = waiting_.size();
     lock.unlock();
     operation();
     operation = nullptr;  // what it owns goes before the lock is held again

@@ -3,6 +3,7 @@
 // own; all queues draw their threads from one WorkerPool, which starts a thread
 // when work comes and none is idle, so that one command never waits for another.
 
+#include <atomic>
 #include <condition_variable>
 #include <cstddef>
 #include <deque>
@@ -37,7 +38,8 @@ class WorkerPool {
 
   std::mutex mutex_;
   std::condition_variable wake_;
-  std::deque<Operation> waiting_;  // under mutex_, as is everything below
+  std::atomic<std::size_t> waitingCount_ = 0;  // set under mutex_, looked at without it
+  std::deque<Operation> waiting_;              // under mutex_, as is everything below
   std::size_t idleThreads_ = 0;
   bool isClosing_ = false;
   std::vector<std::thread> threads_;

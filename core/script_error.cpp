@@ -1,8 +1,19 @@
 #include "core/script_error.h"
 
 #include <array>
+#include <charconv>
 
 namespace skerrow::core {
+
+std::string textFrom(Number number) {
+  char digits[32];
+  char* const end = digits + sizeof digits;
+  const auto written = number.isReal() ? std::to_chars(digits, end, number.asReal())
+                       : number.kind() == NumberKind::unsigned64
+                           ? std::to_chars(digits, end, number.asUnsigned())
+                           : std::to_chars(digits, end, number.asInteger());
+  return {digits, written.ptr};
+}
 
 std::size_t ScriptError::fillPlaceholder(std::size_t from, const std::string& value) {
   static constexpr std::array<std::string_view, 3> kPlaceholders = {"%@", "%d", "%ld"};

@@ -8,6 +8,9 @@
 #include <exception>
 #include <string>
 #include <string_view>
+#include <utility>
+
+#include "values/number.h"
 
 namespace skerrow::core {
 
@@ -28,11 +31,14 @@ inline constexpr int kTimedOut = -1712;
 inline constexpr int kHandlerFailed = -10000;
 }  // namespace scripting_error
 
+/// A number as messages show it: an integer in full, a real in its shortest form.
+std::string textFrom(Number number);
+
 class ScriptError : public std::exception {
  public:
   ScriptError(int number, std::string message) : number_(number), message_(std::move(message)) {}
 
-  /// An entry of a table, its placeholders filled with integers or UTF-8 texts.
+  /// An entry of a table, its placeholders filled with numbers or UTF-8 texts.
   template <class... Values>
   explicit ScriptError(const ErrorEntry& entry, const Values&... values)
       : number_(entry.number), message_(entry.message) {
@@ -50,6 +56,7 @@ class ScriptError : public std::exception {
 
  private:
   static std::string asText(std::integral auto value) { return std::to_string(value); }
+  static std::string asText(Number value) { return textFrom(value); }
   static std::string asText(std::string_view value) { return std::string(value); }
 
   // Fills the first placeholder at or after `from`; returns where the filling ends.

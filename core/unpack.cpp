@@ -196,7 +196,7 @@ std::optional<Value> unpack(const ScriptValue& value) {
 }
 
 std::optional<Value> unpack(ScriptValue&& value) {
-  if (value.heldUnits()) return Value(*std::move(value).takeText());
+  if (value.holdsText()) return Value(*std::move(value).takeText());
   if (value.hasItems()) return unpackAEList(std::move(value));
   return unpack(std::as_const(value));
 }

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdio>
 #include <memory>
+#include <string_view>
 
 namespace skerrow::foundation {
 
@@ -29,6 +30,22 @@ constexpr std::int64_t kEndSecond =
 struct DateTimeUnref {
   void operator()(GDateTime* dateTime) const { g_date_time_unref(dateTime); }
 };
+
+// Whether the seconds that the time part spells are 60 or more, which the library
+// would take for 59.
+bool hasExtraSeconds(std::string_view text) {
+  const std::size_t time = text.find_first_of("Tt ");
+  if (time == std::string_view::npos) return false;
+  std::string digits;
+  for (const char character : text.substr(time + 1)) {
+    if (g_ascii_isdigit(character) != 0) {
+      digits += character;
+    } else if (character != ':') {
+      break;
+    }
+  }
+  return digits.size() >= 6 && digits[4] >= '6';
+}
 
 }  // namespace
 
@@ -67,7 +84,7 @@ std::optional<std::string> iso8601FromLongDateTime(std::int64_t secondsSince1904
 }
 
 std::optional<std::int64_t> longDateTimeFromIso8601(const std::string& text) {
-  if (text.find('\0') != std::string::npos) return std::nullopt;
+  if (text.find('\0') != std::string::npos || hasExtraSeconds(text)) return std::nullopt;
   const std::unique_ptr<GDateTime, DateTimeUnref> dateTime(
       g_date_time_new_from_iso8601(text.c_str(), nullptr));
   if (!dateTime) return std::nullopt;

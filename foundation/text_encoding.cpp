@@ -151,6 +151,15 @@ std::string utf8FromUtf16(std::u16string_view text) {
   return bytes;
 }
 
+bool hasLoneSurrogate(std::u16string_view text) noexcept {
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (isTrailingSurrogate(text[i])) return true;
+    if (!isLeadingSurrogate(text[i])) continue;
+    if (++i == text.size() || !isTrailingSurrogate(text[i])) return true;
+  }
+  return false;
+}
+
 std::u16string utf16FromUtf16Bytes(std::string_view bytes) {
   std::u16string text(bytes.size() / 2, u'\0');
   if (text.empty()) return text;

@@ -17,6 +17,9 @@ std::u16string utf16FromUtf8Replacing(std::string_view bytes);
 
 std::string utf8FromUtf16(std::u16string_view text);
 
+/// Whether any half of a surrogate pair stands without the other.
+bool hasLoneSurrogate(std::u16string_view text) noexcept;
+
 /// Bytes of UTF-16 in the host's order, or in the order that a byte-order mark at
 /// the front tells; the mark is dropped. An odd last byte is ignored.
 std::u16string utf16FromUtf16Bytes(std::string_view bytes);

@@ -1,6 +1,7 @@
 #include "lists/modify_list.h"
 
 #include <algorithm>
+#include <cmath>
 #include <functional>
 #include <iterator>
 #include <limits>
@@ -105,6 +106,7 @@ std::int64_t integerFrom(const Value& value) {
 struct Givens {
   const Value& argument;
   std::int64_t beforeIndex;
+  const std::function<void(Items)>& discard;  // for many items that are not needed any more
 };
 
 void pad(Items& list, const Givens& givens) {
@@ -138,6 +140,9 @@ void deleteItems(Items& list, const Givens& givens) {
   std::vector<std::pair<std::size_t, std::int64_t>> positions;
   const auto add = [&](Number number) {
     const std::int64_t index = number.asInteger();
+    // What 64 bits cannot hold is out of range, and is shown as it was given.
+    const bool isBeyond = !(std::abs(number.asReal()) < 9e18);
+    if (isBeyond) throw ScriptError(kNoSuchItem, number, list.size());
     positions.emplace_back(SKWModifyList::adjustedIndex(index, list.size()), index);
   };
   if (given.isNumber()) {
@@ -199,38 +204,45 @@ void insertItems(Items& list, const Givens& givens) {
 
 ValueSet setOf(std::span<const Value> items) {
   ValueSet set;
-  set.insertAll(items, [](std::size_t /*position*/, bool /*isNew*/) {});
+  set.insertAll(items);
   return set;
 }
 
 // Keeps the first of equal items, if `isWanted`, in their order.
 template <class IsWanted>
-void keepDistinct(Items& list, IsWanted&& isWanted) {
-  Items contents;  // only where some items are not compared by themselves
+void keepDistinct(Items& list, const Givens& givens, IsWanted&& isWanted) {
+  Items contents;  // what items are compared by, where it is not the items themselves
   if (std::ranges::any_of(list, holdsRaw)) {
-    std::ranges::transform(list, std::back_inserter(contents), wholeContent);
+    contents.reserve(list.size());
+    for (const Value& item : list) contents.push_back(wholeContent(item));
   }
-  const std::span<const Value> compared = contents.empty() ? list : contents;
-  ValueSet seen;
-  std::size_t kept = 0;
-  seen.insertAll(compared, [&](std::size_t i, bool isNew) {
-    if (isNew && isWanted(compared[i])) std::swap(list[kept++], list[i]);
-  });
-  list.resize(kept);
+  Items& compared = contents.empty() ? list : contents;
+  Items kept;
+  Items keptContents;
+  const Items& known = contents.empty() ? kept : keptContents;
+  ValueIndex index;
+  index.findOrInsertAll(
+      compared, [&known](std::size_t i) -> const Value& { return known[i]; },
+      [&](std::size_t i) { return isWanted(compared[i]); },
+      [&](std::size_t i) {
+        kept.push_back(std::move(list[i]));
+        if (!contents.empty()) keptContents.push_back(std::move(contents[i]));
+      });
+  givens.discard(std::exchange(list, std::move(kept)));
 }
 
 void intersect(Items& list, const Givens& givens) {
   const ValueSet others = setOf(givens.argument.items());
-  keepDistinct(list, [&others](const Value& item) { return others.contains(item); });
+  keepDistinct(list, givens, [&others](const Value& item) { return others.contains(item); });
 }
 
-void makeUnique(Items& list, const Givens& /*givens*/) {
-  keepDistinct(list, [](const Value& /*item*/) { return true; });
+void makeUnique(Items& list, const Givens& givens) {
+  keepDistinct(list, givens, [](const Value& /*item*/) { return true; });
 }
 
 void subtract(Items& list, const Givens& givens) {
   const ValueSet others = setOf(givens.argument.items());
-  keepDistinct(list, [&others](const Value& item) { return !others.contains(item); });
+  keepDistinct(list, givens, [&others](const Value& item) { return !others.contains(item); });
 }
 
 void merge(Items& list, const Givens& givens) {
@@ -356,10 +368,11 @@ std::optional<Value> SKWModifyList::compute() {
   return Value(std::move(*joined));
 }
 
-Value SKWModifyList::changed(Items list) const {
+Value SKWModifyList::changed(Items list) {
+  const std::function<void(Items)> toDiscard = [this](Items items) { discard(std::move(items)); };
   for (const Requested& requested : requested_) {
     cancelToken().throwIfCancelled();
-    requested.change.apply(list, {requested.argument, beforeIndex_});
+    requested.change.apply(list, {requested.argument, beforeIndex_, toDiscard});
   }
   return core::makeDescriptorForArray(std::move(list));
 }

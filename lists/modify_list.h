@@ -49,7 +49,7 @@ class SKWModifyList final : public core::Command {
   std::optional<Value> compute() override;
 
  private:
-  [[nodiscard]] Value changed(Items list) const;
+  [[nodiscard]] Value changed(Items list);
 
   struct Requested;
   std::vector<Requested> requested_;  // the changes asked for, in the order in which they are made

@@ -101,6 +101,14 @@ std::string readWholeFile(const std::string& path) {
   return content;
 }
 
+void keepStandardStreams() noexcept {
+  // Each is opened the wrong way round, so that reading or writing it fails.
+  constexpr int kModes[] = {O_WRONLY, O_RDONLY, O_RDONLY};
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (::fcntl(stream, F_GETFD) < 0) ::open("/dev/null", kModes[stream]);
+  }
+}
+
 void reportClosedPipesAsErrors() noexcept { std::signal(SIGPIPE, SIG_IGN); }
 
 void endProcess(int status) noexcept {

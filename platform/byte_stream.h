@@ -60,6 +60,10 @@ class OutputStream {
 /// The whole content of a regular file.
 std::string readWholeFile(const std::string& path);
 
+/// Keeps the places of standard streams that were closed, so that nothing else is
+/// opened there; using such a stream is then an error. To be called first of all.
+void keepStandardStreams() noexcept;
+
 /// A closed pipe is then reported where it is written to, instead of ending the program.
 void reportClosedPipesAsErrors() noexcept;
 

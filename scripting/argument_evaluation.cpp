@@ -29,7 +29,7 @@ struct KindWords {
 constexpr KindWords kKindWords[] = {
     {Kinds::any, "any value", "values"},
     {Kinds::text, "a text", "texts"},
-    {Kinds::integer, "an integer", "integers"},
+    {Kinds::integer, "an integer of 32 bits", "integers of 32 bits"},
     {Kinds::real, "a real number", "real numbers"},
     {Kinds::boolean, "true or false", "booleans"},
     {Kinds::date, "a date", "dates"},
@@ -85,8 +85,9 @@ bool isBoolean(FourCharCode type) {
 // The value in its plain shape; nothing when it is of none of these kinds.
 std::optional<Value> plainValue(Kinds kinds, const ScriptValue& value) {
   const FourCharCode type = value.type();
+  if (contains(kinds, Kinds::any)) return Value(value);
   const bool isPlainKind =
-      contains(kinds, Kinds::any) || (contains(kinds, Kinds::text) && core::isTextType(type)) ||
+      (contains(kinds, Kinds::text) && core::isTextType(type)) ||
       (contains(kinds, Kinds::boolean) && isBoolean(type)) ||
       (contains(kinds, Kinds::real) && core::isNumberType(type) && !isBoolean(type)) ||
       (contains(kinds, Kinds::date) && type == "ldt "_code) ||
@@ -137,8 +138,7 @@ std::string kindInWords(const ScriptValue& value) {
   if (core::isTextType(type)) return "a text";
   if (isBoolean(type)) return "a boolean";
   if (const auto number = core::numberFromScriptValue(value)) {
-    if (number->isReal()) return "the real number " + std::to_string(number->asReal());
-    return "the integer " + std::to_string(number->asInteger());
+    return (number->isReal() ? "the real number " : "the integer ") + core::textFrom(*number);
   }
   if (type == "list"_code) return "a list";
   if (value.hasFields()) return "a record";
@@ -159,7 +159,10 @@ Value evaluateArgument(const ArgumentEntry& argument, const ScriptValue& value) 
     return value;
   }
   auto plain = plainValue(argument.single, value);
-  if (!plain) refuse(argument, kindInWords(value));
+  if (!plain) {
+    const bool isDamaged = core::isNumberType(value.type()) && !core::numberFromScriptValue(value);
+    refuse(argument, kindInWords(value) + (isDamaged ? " with damaged data" : ""));
+  }
   switch (argument.arrival) {
     case Arrival::plain:
       return std::move(*plain);

@@ -19,6 +19,12 @@ constexpr std::size_t kEscape = 6;  // \uXXXX
 bool isLeading(unsigned unit) { return (unit & 0xFC00U) == 0xD800; }
 bool isTrailing(unsigned unit) { return (unit & 0xFC00U) == 0xDC00; }
 
+// Characters of UTF-8, by the bytes that begin one.
+std::size_t characterCount(std::string_view text) {
+  return static_cast<std::size_t>(std::ranges::count_if(
+      text, [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80; }));
+}
+
 // The unit that the escape at the front spells; nothing when there is none.
 std::optional<unsigned> escapedUnit(std::string_view text) {
   if (text.size() < kEscape || text[0] != '\\' || text[1] != 'u') return std::nullopt;
@@ -34,7 +40,8 @@ std::optional<unsigned> escapedUnit(std::string_view text) {
 JsonSource::JsonSource(std::string_view text)
     : buffer_(text), filled_(text.size()), isExhausted_(true) {
   replaceStrayMarks(0);
-  prepare(0);
+  passByteOrderMark();
+  prepare(prepared_);
   findEnd();
 }
 
@@ -60,27 +67,46 @@ JsonSource::Ch JsonSource::peekBeyond() {
   return buffer_[position_];
 }
 
+void JsonSource::readPiece() {
+  if (isExhausted_) return;
+  buffer_.resize(filled_ + kPiece);
+  const std::size_t count = read_(buffer_.data() + filled_, kPiece);
+  isExhausted_ = count == 0;
+  buffer_.resize(filled_ + count);
+  replaceStrayMarks(filled_);
+  filled_ += count;
+}
+
+void JsonSource::passByteOrderMark() {
+  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+  if (offset_ != 0 || prepared_ != 0) return;
+  while (!isExhausted_ && filled_ < kByteOrderMark.size() && buffer_.starts_with('\xEF')) {
+    readPiece();
+  }
+  if (buffer_.starts_with(kByteOrderMark)) {
+    buffer_.erase(0, kByteOrderMark.size());
+    filled_ -= kByteOrderMark.size();
+    offset_ = kByteOrderMark.size();
+  }
+}
+
 bool JsonSource::refill() {
   if (isExhausted_ && prepared_ == filled_) return false;
-  // Everything before the next byte has served; its line ends are counted.
+  // Everything before the next byte has served; its lines and characters are counted.
   const std::string_view served(buffer_.data(), position_);
-  if (const std::size_t last = served.rfind('\n'); last != std::string_view::npos) {
+  const std::size_t lastLine = served.rfind('\n') + 1;  // 0 where there is no line end
+  if (lastLine > 0) {
     linesBefore_ += static_cast<std::size_t>(std::ranges::count(served, '\n'));
-    lastLineStart_ = offset_ + last + 1;
+    charactersBefore_ = 0;
   }
+  charactersBefore_ += characterCount(served.substr(lastLine));
   buffer_.erase(0, position_);
   offset_ += position_;
   filled_ -= position_;
   prepared_ -= position_;
   position_ = end_ = 0;
-  if (!isExhausted_) {
-    buffer_.resize(filled_ + kPiece);
-    const std::size_t count = read_(buffer_.data() + filled_, kPiece);
-    isExhausted_ = count == 0;
-    buffer_.resize(filled_ + count);
-    replaceStrayMarks(filled_);
-    filled_ += count;
-  }
+  readPiece();
+  passByteOrderMark();
   prepare(prepared_);
   findEnd();
   return true;
@@ -133,16 +159,13 @@ void JsonSource::findEnd() {
 }
 
 std::string JsonSource::placeOf(std::size_t offset) const {
-  std::size_t line = linesBefore_ + 1;
-  std::size_t lineStart = lastLineStart_;
   const std::size_t known = offset > offset_ ? std::min(offset - offset_, filled_) : 0;
   const std::string_view before(buffer_.data(), known);
-  if (const std::size_t last = before.rfind('\n'); last != std::string_view::npos) {
-    line += static_cast<std::size_t>(std::ranges::count(before, '\n'));
-    lineStart = offset_ + last + 1;
-  }
-  const std::size_t column = offset >= lineStart ? offset - lineStart + 1 : 1;
-  return "line " + std::to_string(line) + ", column " + std::to_string(column);
+  const auto lineEnds = static_cast<std::size_t>(std::ranges::count(before, '\n'));
+  const std::size_t column = characterCount(before.substr(before.rfind('\n') + 1)) +
+                             (lineEnds == 0 ? charactersBefore_ : 0) + 1;
+  return "line " + std::to_string(linesBefore_ + lineEnds + 1) + ", column " +
+         std::to_string(column);
 }
 
 }  // namespace skerrow::scripting

@@ -2,7 +2,8 @@
 // JsonSource: the bytes of a JSON text, read front to back in pieces, as the
 // JSON library wants them. It can stop at the ends of lines, knows the line and
 // column of any recent byte, and marks the escapes of lone surrogates, which the
-// library refuses, so that the decoder can take them.
+// library refuses, so that the decoder can take them. A UTF-8 byte-order mark at
+// the very front is passed over.
 
 #include <cstddef>
 #include <functional>
@@ -29,7 +30,7 @@ class JsonSource {
   /// Whether everything up to the end (of the line) was taken.
   bool isAtEnd();
 
-  /// "line 3, column 17" (columns count bytes from 1) of a byte by its offset.
+  /// "line 3, column 17" (columns count characters from 1) of a byte by its offset.
   [[nodiscard]] std::string placeOf(std::size_t offset) const;
   [[nodiscard]] std::string currentPlace() const { return placeOf(Tell()); }
 
@@ -59,6 +60,8 @@ class JsonSource {
  private:
   Ch peekBeyond();
   bool refill();
+  void readPiece();
+  void passByteOrderMark();
   void replaceStrayMarks(std::size_t from);
   void prepare(std::size_t from);
   void findEnd();
@@ -73,8 +76,8 @@ class JsonSource {
   bool isExhausted_ = false;
   bool stopsAtLineEnds_ = false;
   bool isAtLineEnd_ = false;
-  std::size_t linesBefore_ = 0;    // line ends before the buffer
-  std::size_t lastLineStart_ = 0;  // offset of the line on which the buffer begins
+  std::size_t linesBefore_ = 0;       // line ends before the buffer
+  std::size_t charactersBefore_ = 0;  // of the line on which the buffer begins
 };
 
 }  // namespace skerrow::scripting

@@ -32,6 +32,9 @@ std::string utf8(std::u16string_view text) { return foundation::utf8FromUtf16(te
 std::string textOf(const ScriptValue& value, std::u16string_view form) {
   const auto text = core::textFromScriptValue(value);
   if (!text) refuse("“" + utf8(form) + "” needs a text");
+  if (foundation::hasLoneSurrogate(text->view())) {
+    refuse("“" + utf8(form) + "” cannot hold a lone surrogate");
+  }
   return utf8(text->view());
 }
 
@@ -97,7 +100,8 @@ ScriptValue numberOfType(FourCharCode type, Number value) {
     case number("ucom"_code):
       return integerOfType<std::uint64_t>(type, value);
     case number("sing"_code):
-      if (std::abs(value.asReal()) > static_cast<double>(std::numeric_limits<float>::max())) {
+      // Beyond this a number no longer rounds to one that four bytes hold.
+      if (std::isfinite(value.asReal()) && std::abs(value.asReal()) >= 0x1.ffffffp127) {
         refuseNumber(type);
       }
       return ScriptValue::withPlain(type, static_cast<float>(value.asReal()));
@@ -128,16 +132,27 @@ ScriptValue dateFrom(const std::string& text) {
   return ScriptValue::withPlain("ldt "_code, *seconds);
 }
 
+// A path, without slashes at its end, so that one file has one spelling.
 std::string absolutePath(const ScriptValue& value, std::u16string_view form) {
   std::string path = textOf(value, form);
-  if (!path.starts_with('/') || path.find('\0') != std::string::npos) {
-    refuse("“" + utf8(form) + "” needs a path that begins with “/”");
+  if (!path.starts_with('/')) refuse("“" + utf8(form) + "” needs a path that begins with “/”");
+  if (path.find('\0') != std::string::npos) {
+    refuse("“" + utf8(form) + "” needs a path without the character NUL");
   }
+  while (path.size() > 1 && path.ends_with('/')) path.pop_back();
   return path;
 }
 
 ScriptValue rawForm(const ScriptValue& type, const ScriptValue& data) {
   return ScriptValue::withPayload(codeOf(type, u"$raw"), bytesOf(data, u"data"));
+}
+
+// Whether a value names a class that records can be of, and not a type of other values.
+bool isClass(const ScriptValue& value) {
+  const auto code = value.namedCode();
+  if (!code || value.isMissingValue()) return false;
+  const auto unpacked = core::unpack(ScriptValue::record(*code, {}));
+  return unpacked && unpacked->isRecord();
 }
 
 ScriptValue recordFrom(std::vector<Text> labels, std::vector<ScriptValue> values) {
@@ -147,7 +162,7 @@ ScriptValue recordFrom(std::vector<Text> labels, std::vector<ScriptValue> values
   std::optional<std::size_t> userFieldsAt;  // they stand where the first of them stood
   for (std::size_t i = 0; i < labels.size(); ++i) {
     const std::u16string_view label = labels[i].view();
-    if (i == 0 && label == kClassKey && values[i].namedCode() && !values[i].isMissingValue()) {
+    if (i == 0 && label == kClassKey && isClass(values[i])) {
       type = *values[i].namedCode();
     } else if (const auto keyword = foundation::keywordFromKey(label)) {
       fields.push_back({*keyword, std::move(values[i])});
@@ -186,13 +201,8 @@ void TypedJsonBuilder::beginObject() { open(true); }
 void TypedJsonBuilder::addLabel(std::u16string_view label) { labels_.emplace_back(label); }
 
 void TypedJsonBuilder::open(bool isObject) {
-  if (frames_.size() >= kMaximumDepth) {
-    refuse("lists and records can be nested at most " + std::to_string(kMaximumDepth) + " deep");
-  }
-  const bool isUnderRecord =
-      !frames_.empty() && frames_.back().isObject && !frames_.back().isPlainRecord &&
-      labels_.size() == frames_.back().firstLabel + 1 && labels_.back().view() == u"$record";
-  frames_.push_back({isObject, isObject && isUnderRecord, values_.size(), labels_.size()});
+  if (frames_.size() >= kMaximumDepth) throw NestingTooDeep();
+  frames_.push_back({isObject, values_.size(), labels_.size()});
 }
 
 std::vector<ScriptValue> TypedJsonBuilder::closeValues(std::size_t first) {
@@ -213,44 +223,53 @@ void TypedJsonBuilder::endArray() {
 }
 
 void TypedJsonBuilder::endObject() {
-  const Frame frame = frames_.back();
+  const Frame frame = std::move(frames_.back());
   frames_.pop_back();
   const auto first = labels_.begin() + static_cast<std::ptrdiff_t>(frame.firstLabel);
   std::vector<Text> labels(std::make_move_iterator(first), std::make_move_iterator(labels_.end()));
   labels_.resize(frame.firstLabel);
-  ScriptValue value =
-      objectFrom(std::move(labels), closeValues(frame.firstValue), frame.isPlainRecord);
-  values_.push_back(std::move(value));
+  std::vector<ScriptValue> values = closeValues(frame.firstValue);
+
+  Reading form = readAsForm(frame, labels, values);
+  const bool isForm = form.value || !form.problem.empty();
+  Reading plain{std::nullopt, frame.problem};
+  if ((!isForm || isUnderRecordLabel()) && plain.problem.empty()) {
+    plain.value = recordFrom(std::move(labels), std::move(values));
+  }
+  const Reading& reading = isForm ? form : plain;
   lastNumber_.reset();
+  values_.push_back(reading.value.value_or(ScriptValue()));
+  if (isUnderRecordLabel()) {
+    frames_.back().problem = reading.problem;
+    frames_.back().plainFirst = std::move(plain);
+  } else if (!reading.problem.empty()) {
+    refuse(reading.problem);
+  }
+}
+
+bool TypedJsonBuilder::isUnderRecordLabel() const {
+  return !frames_.empty() && frames_.back().isObject &&
+         labels_.size() == frames_.back().firstLabel + 1 && labels_.back().view() == u"$record";
 }
 
 ScriptValue TypedJsonBuilder::take() { return std::exchange(values_, {}).front(); }
 
-ScriptValue TypedJsonBuilder::objectFrom(std::vector<Text> labels, std::vector<ScriptValue> values,
-                                         bool isPlainRecord) {
-  if (!isPlainRecord) {
-    if (auto special = specialForm(labels, values)) return std::move(*special);
-    // "$record" among other labels is a label like any: what lies under it was
-    // read as a plain record and is looked at again.
-    if (!labels.empty() && labels.front().view() == u"$record" && values.front().hasFields()) {
-      std::vector<Text> innerLabels;
-      std::vector<ScriptValue> innerValues;
-      for (const ScriptField& field : values.front().fields()) {
-        if (field.keyword != "usrf"_code) return recordFrom(std::move(labels), std::move(values));
-        const auto items = field.value.items();
-        for (std::size_t i = 0; i + 1 < items.size(); i += 2) {
-          innerLabels.push_back(core::textFromScriptValue(items[i]).value_or(Text()));
-          innerValues.push_back(items[i + 1]);
-        }
-      }
-      if (auto special = specialForm(innerLabels, innerValues)) values.front() = *special;
-    }
+// As one of the special forms; neither value nor problem when it has none of their shapes.
+TypedJsonBuilder::Reading TypedJsonBuilder::readAsForm(
+    const Frame& frame, const std::vector<Text>& labels,
+    const std::vector<ScriptValue>& values) const {
+  if (labels.size() == 1 && labels.front().view() == u"$record") {
+    return frame.plainFirst.value_or(Reading{std::nullopt, "“$record” needs an object"});
   }
-  return recordFrom(std::move(labels), std::move(values));
+  try {
+    return {specialForm(labels, values), {}};
+  } catch (const JsonError& error) {
+    return {std::nullopt, error.what()};
+  }
 }
 
-std::optional<ScriptValue> TypedJsonBuilder::specialForm(const std::vector<Text>& labels,
-                                                         const std::vector<ScriptValue>& values) {
+std::optional<ScriptValue> TypedJsonBuilder::specialForm(
+    const std::vector<Text>& labels, const std::vector<ScriptValue>& values) const {
   if (labels.size() == 1 && labels.front().view().starts_with(u'$')) {
     return singleForm(labels.front().view(), values.front());
   }
@@ -267,11 +286,8 @@ std::optional<ScriptValue> TypedJsonBuilder::specialForm(const std::vector<Text>
   return std::nullopt;
 }
 
-ScriptValue TypedJsonBuilder::singleForm(std::u16string_view label, const ScriptValue& value) {
-  if (label == u"$record") {
-    if (!value.hasFields()) refuse("“$record” needs an object");
-    return value;
-  }
+ScriptValue TypedJsonBuilder::singleForm(std::u16string_view label,
+                                         const ScriptValue& value) const {
   if (label == u"$null") {
     if (value.type() != "true"_code) refuse("“$null” needs true");
     return ScriptValue::null();
@@ -280,8 +296,9 @@ ScriptValue TypedJsonBuilder::singleForm(std::u16string_view label, const Script
   if (label == u"$date") return dateFrom(textOf(value, label));
   if (label == u"$ldt") {
     const auto seconds = core::numberFromScriptValue(value);
-    if (!seconds || seconds->isReal() || seconds->kind() == NumberKind::boolean)
+    if (!seconds || seconds->isReal() || seconds->kind() == NumberKind::boolean) {
       refuse("“$ldt” needs an integer of 64 bits");
+    }
     return ScriptValue::withPlain("ldt "_code, seconds->asInteger());
   }
   if (label == u"$file") {
@@ -313,8 +330,12 @@ ScriptValue TypedJsonBuilder::singleForm(std::u16string_view label, const Script
 }
 
 ScriptValue TypedJsonBuilder::numberForm(const ScriptValue& value, const ScriptValue& type) const {
-  if (!lastNumber_ || !core::isNumberType(value.type())) refuse("“$number” needs a number");
-  return numberOfType(codeOf(type, u"as"), *lastNumber_);
+  const auto real = core::numberFromScriptValue(value);
+  const bool isSpecialReal = real && real->isReal() && !std::isfinite(real->asReal());
+  if (!isSpecialReal && (!lastNumber_ || !core::isNumberType(value.type()))) {
+    refuse("“$number” needs a number");
+  }
+  return numberOfType(codeOf(type, u"as"), isSpecialReal ? *real : *lastNumber_);
 }
 
 }  // namespace skerrow::scripting

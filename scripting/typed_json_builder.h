@@ -47,20 +47,29 @@ class TypedJsonBuilder {
   [[nodiscard]] ScriptValue take();
 
  private:
+  // What an object can be read as. Most can be read as one thing only; the object
+  // under "$record" is a plain record if that is the only label beside it, and that
+  // shows only later.
+  struct Reading {
+    std::optional<ScriptValue> value;
+    std::string problem;  // why it cannot be read so
+  };
   struct Frame {
     bool isObject;
-    bool isPlainRecord;  // the object under "$record": never one of the special forms
     std::size_t firstValue;
     std::size_t firstLabel;
+    std::optional<Reading> plainFirst = {};  // the first member's object as a plain record
+    std::string problem = {};                // of a member, unless it is read as a plain record
   };
 
   void open(bool isObject);
   [[nodiscard]] std::vector<ScriptValue> closeValues(std::size_t first);
-  [[nodiscard]] ScriptValue objectFrom(std::vector<Text> labels, std::vector<ScriptValue> values,
-                                       bool isPlainRecord);
-  [[nodiscard]] std::optional<ScriptValue> specialForm(const std::vector<Text>& labels,
-                                                       const std::vector<ScriptValue>& values);
-  [[nodiscard]] ScriptValue singleForm(std::u16string_view label, const ScriptValue& value);
+  [[nodiscard]] bool isUnderRecordLabel() const;
+  [[nodiscard]] Reading readAsForm(const Frame& frame, const std::vector<Text>& labels,
+                                   const std::vector<ScriptValue>& values) const;
+  [[nodiscard]] std::optional<ScriptValue> specialForm(
+      const std::vector<Text>& labels, const std::vector<ScriptValue>& values) const;
+  [[nodiscard]] ScriptValue singleForm(std::u16string_view label, const ScriptValue& value) const;
   [[nodiscard]] ScriptValue numberForm(const ScriptValue& value, const ScriptValue& type) const;
 
   const CompileSource* compileSource_;

@@ -27,8 +27,9 @@ std::string quoted(const std::string& text) { return "“" + text + "”"; }
 // library's.
 class Receiver {
  public:
-  Receiver(Form form, const CompileSource* compileSource)
-      : builder_(compileSource),
+  Receiver(Form form, const JsonSource& source, const CompileSource* compileSource)
+      : source_(source),
+        builder_(compileSource),
         place_(form == Form::value ? Place::value : Place::outside),
         form_(form) {}
 
@@ -51,6 +52,7 @@ class Receiver {
     return leaf([&] { builder_.addText({units, count}); });
   }
   bool StartArray() {
+    lastToken_ = source_.Tell() + 1;  // the bracket is taken after this
     requireValuePlace();
     builder_.beginArray();
     return true;
@@ -60,20 +62,26 @@ class Receiver {
     return finishValue();
   }
   bool StartObject() {
+    lastToken_ = source_.Tell() + 1;
     if (!builder_.isInside()) {
       if (place_ == Place::outside)
         return enter(form_ == Form::event ? Place::event : Place::arguments);
-      if (place_ == Place::event && key_ == "arguments") return enter(Place::arguments);
+      if (place_ == Place::event && key_ == "arguments") {
+        event_.arguments.clear();
+        return enter(Place::arguments);
+      }
     }
     builder_.beginObject();
     return true;
   }
   bool Key(const char16_t* units, rapidjson::SizeType count, bool /*copy*/) {
+    lastToken_ = source_.Tell();
     const std::u16string_view label(units, count);
     if (builder_.isInside()) {
       builder_.addLabel(label);
     } else {
       key_ = foundation::utf8FromUtf16(label);
+      if (place_ == Place::event) requireMember();
     }
     return true;
   }
@@ -87,6 +95,8 @@ class Receiver {
   }
   ScriptValue takeValue() { return std::move(value_); }
   Event takeEvent() { return std::move(event_); }
+  /// Where the token ends that was received last, but for closing brackets.
+  [[nodiscard]] std::size_t lastPlace() const { return lastToken_ - 1; }
   [[nodiscard]] bool hasCommand() const { return !event_.command.empty(); }
 
  private:
@@ -115,6 +125,7 @@ class Receiver {
 
   template <class Add>
   bool leaf(Add&& add) {
+    lastToken_ = source_.Tell();
     requireValuePlace();
     add();
     return finishValue();
@@ -158,11 +169,17 @@ class Receiver {
       const auto timeout = seconds ? timeoutFromSeconds(seconds->asReal()) : std::nullopt;
       if (!timeout) throw JsonError("“timeout” needs a number of seconds, 0 or more");
       event_.timeout = *timeout;
-    } else {
-      throw JsonError("an event has no member " + quoted(key_));
     }
   }
 
+  void requireMember() const {
+    const bool isKnown =
+        key_ == "command" || key_ == "direct" || key_ == "arguments" || key_ == "timeout";
+    if (!isKnown) throw JsonError("an event has no member " + quoted(key_));
+  }
+
+  const JsonSource& source_;
+  std::size_t lastToken_ = 1;
   TypedJsonBuilder builder_;
   Place place_;
   Form form_;
@@ -170,6 +187,43 @@ class Receiver {
   ScriptValue value_;
   Event event_;
 };
+
+// What the library found, in words for a person who may not know its terms.
+std::string problemFrom(rapidjson::ParseErrorCode code, bool isControlCharacter) {
+  switch (code) {
+    case rapidjson::kParseErrorDocumentEmpty:
+      return "there is no JSON value here";
+    case rapidjson::kParseErrorDocumentRootNotSingular:
+      return "something follows the end of the value";
+    case rapidjson::kParseErrorValueInvalid:
+      return "a value was expected here";
+    case rapidjson::kParseErrorObjectMissName:
+      return "a name in double quotes, or “}”, was expected here";
+    case rapidjson::kParseErrorObjectMissColon:
+      return "a colon was expected after the name";
+    case rapidjson::kParseErrorObjectMissCommaOrCurlyBracket:
+      return "a comma or “}” was expected after the member";
+    case rapidjson::kParseErrorArrayMissCommaOrSquareBracket:
+      return "a comma or “]” was expected after the item";
+    case rapidjson::kParseErrorStringUnicodeEscapeInvalidHex:
+      return "four hexadecimal digits were expected after \\u";
+    case rapidjson::kParseErrorStringEscapeInvalid:
+      return isControlCharacter ? "a control character in a text must be written as an escape"
+                                : "there is no such escape";
+    case rapidjson::kParseErrorStringMissQuotationMark:
+      return "the text has no closing quotation mark";
+    case rapidjson::kParseErrorStringInvalidEncoding:
+      return "the text is not valid UTF-8";
+    case rapidjson::kParseErrorNumberTooBig:
+      return "the number is too large";
+    case rapidjson::kParseErrorNumberMissFraction:
+      return "a digit was expected after the decimal point";
+    case rapidjson::kParseErrorNumberMissExponent:
+      return "a digit was expected in the exponent";
+    default:
+      return rapidjson::GetParseError_En(code);
+  }
+}
 
 [[noreturn]] void failAt(const JsonSource& source, std::size_t offset, const std::string& problem) {
   throw JsonError(source.placeOf(offset) + ": " + problem);
@@ -183,17 +237,16 @@ void read(JsonSource& source, Receiver& receiver) {
   try {
     const rapidjson::ParseResult result = reader.Parse<kFlags>(source, receiver);
     if (result.IsError()) {
-      std::string problem = result.Code() == rapidjson::kParseErrorDocumentEmpty
-                                ? "there is no JSON value here"
-                                : rapidjson::GetParseError_En(result.Code());
-      while (problem.ends_with('.')) problem.pop_back();
-      failAt(source, result.Offset(), problem);
+      const bool isControlCharacter = static_cast<unsigned char>(source.Peek()) < ' ';
+      failAt(source, result.Offset(), problemFrom(result.Code(), isControlCharacter));
     }
   } catch (const NestingTooDeep& tooDeep) {
-    failAt(source, source.Tell(), tooDeep.what());
+    std::string_view problem = tooDeep.what();
+    problem.remove_suffix(1);  // its full stop comes where the whole message ends
+    failAt(source, receiver.lastPlace(), std::string(problem));
   } catch (const JsonError& error) {
     if (std::string_view(error.what()).starts_with("line ")) throw;
-    failAt(source, source.Tell(), error.what());
+    failAt(source, receiver.lastPlace(), error.what());
   }
   if (!source.isAtEnd()) failAt(source, source.Tell(), "the character NUL has no place here");
 }
@@ -201,19 +254,19 @@ void read(JsonSource& source, Receiver& receiver) {
 }  // namespace
 
 ScriptValue readTypedJson(JsonSource& source, const CompileSource* compileSource) {
-  Receiver receiver(Form::value, compileSource);
+  Receiver receiver(Form::value, source, compileSource);
   read(source, receiver);
   return receiver.takeValue();
 }
 
 EventArguments readArguments(JsonSource& source, const CompileSource* compileSource) {
-  Receiver receiver(Form::arguments, compileSource);
+  Receiver receiver(Form::arguments, source, compileSource);
   read(source, receiver);
   return receiver.takeEvent().arguments;
 }
 
 Event readEvent(JsonSource& source, const CompileSource* compileSource) {
-  Receiver receiver(Form::event, compileSource);
+  Receiver receiver(Form::event, source, compileSource);
   read(source, receiver);
   if (!receiver.hasCommand()) {
     failAt(source, source.Tell(), "the event does not name its “command”");

@@ -10,6 +10,7 @@
 #include <optional>
 #include <span>
 #include <utility>
+#include <vector>
 
 #include "core/unpack.h"
 #include "foundation/base64.h"
@@ -62,19 +63,22 @@ std::optional<std::span<const ScriptValue>> plainUserFields(const ScriptField& f
 
 // Whether the object of a plain record would be taken for one of the special forms.
 bool looksSpecial(const ScriptValue& record) {
-  if (record.type() != "reco"_code || record.fields().size() != 1) return false;
-  const auto items = plainUserFields(record.fields().front());
-  if (!items) return false;
-  const auto label = [&](std::size_t i) {
-    return std::u16string(core::textFromScriptValue((*items)[i])->view());
+  if (record.type() != "reco"_code) return false;
+  std::vector<std::u16string> labels;
+  for (const ScriptField& field : record.fields()) {
+    const auto items = plainUserFields(field);
+    if (!items) return false;  // a keyword is a label of its own, and in none of the forms
+    if (labels.size() + items->size() / 2 > 2) return false;
+    for (std::size_t i = 0; i < items->size(); i += 2) {
+      labels.emplace_back(core::textFromScriptValue((*items)[i])->view());
+    }
+  }
+  if (labels.size() == 1) return labels[0].starts_with(u'$');
+  const auto isPair = [&labels](std::u16string_view main, std::u16string_view companion) {
+    return (labels[0] == main && labels[1] == companion) ||
+           (labels[0] == companion && labels[1] == main);
   };
-  if (items->size() == 2) return label(0).starts_with(u'$');
-  if (items->size() != 4) return false;
-  const auto isPair = [&](std::u16string_view main, std::u16string_view companion) {
-    return (label(0) == main && label(2) == companion) ||
-           (label(0) == companion && label(2) == main);
-  };
-  return isPair(u"$number", u"as") || isPair(u"$raw", u"data");
+  return labels.size() == 2 && (isPair(u"$number", u"as") || isPair(u"$raw", u"data"));
 }
 
 class ValueWriter {

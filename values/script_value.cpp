@@ -27,9 +27,9 @@ struct ScriptValue::Fields : SharedCount {
 
 namespace {
 
-std::uint32_t oneDeeperThan(std::uint32_t deepest) {
-  if (deepest >= kMaximumDepth) throw NestingTooDeep();
-  return deepest + 1;
+std::uint32_t deeperBy(std::uint32_t levels, std::uint32_t deepest) {
+  if (deepest + levels > kMaximumDepth) throw NestingTooDeep();
+  return deepest + levels;
 }
 
 bool beginsLikeByteOrderMark(std::u16string_view units) {
@@ -150,13 +150,17 @@ ScriptValue ScriptValue::null() { return withPayload("null"_code, {}); }
 ScriptValue ScriptValue::list(std::vector<ScriptValue> items) {
   std::uint32_t deepest = 0;
   for (const ScriptValue& item : items) deepest = std::max(deepest, item.depth());
-  return {"list"_code, Storage::items, new Items{{}, oneDeeperThan(deepest), std::move(items)}};
+  return {"list"_code, Storage::items, new Items{{}, deeperBy(1, deepest), std::move(items)}};
 }
 
 ScriptValue ScriptValue::record(FourCharCode type, std::vector<ScriptField> fields) {
   std::uint32_t deepest = 0;
-  for (const ScriptField& field : fields) deepest = std::max(deepest, field.value.depth());
-  return {type, Storage::fields, new Fields{{}, oneDeeperThan(deepest), std::move(fields)}};
+  for (const ScriptField& field : fields) {
+    // The list of user fields is the second of a record's own levels.
+    const bool isOwnLevel = field.keyword == "usrf"_code && field.value.hasItems();
+    deepest = std::max(deepest, field.value.depth() - (isOwnLevel ? 1 : 0));
+  }
+  return {type, Storage::fields, new Fields{{}, deeperBy(2, deepest), std::move(fields)}};
 }
 
 std::span<const ScriptValue> ScriptValue::items() const noexcept {

@@ -63,6 +63,8 @@ class ScriptValue {
   [[nodiscard]] std::span<const ScriptValue> items() const noexcept;
   /// The fields of a record in stored order; empty for anything else.
   [[nodiscard]] std::span<const ScriptField> fields() const noexcept;
+  /// Whether this was made from a text.
+  [[nodiscard]] bool holdsText() const noexcept { return storage_ == Storage::text; }
   /// The text, if this was made from one; nothing for payloads given as bytes.
   [[nodiscard]] std::optional<Text> heldText() const noexcept;
   /// Its units, valid as long as any copy of this value lives.
@@ -86,7 +88,8 @@ class ScriptValue {
   [[nodiscard]] std::optional<FourCharCode> namedCode() const noexcept;
   [[nodiscard]] bool isMissingValue() const noexcept;
 
-  /// 0 for a plain value, 1 more than the deepest item for a list or record.
+  /// 0 for a plain value, 1 more than the deepest item for a list, 2 more than the
+  /// deepest field for a record, as for the values that they unpack to.
   [[nodiscard]] std::uint32_t depth() const noexcept;
 
   /// Same type and same payload, items or fields, in the same order.

@@ -5,12 +5,21 @@
 // as given, lone surrogates included. Safe to copy and read on any thread.
 
 #include <cstddef>
+#include <cstring>
 #include <string>
 #include <string_view>
 
 namespace skerrow {
 
 struct TextPayload;
+
+/// The same as ==, which compares unit by unit for this type of text.
+inline bool haveSameUnits(std::u16string_view a, std::u16string_view b) noexcept {
+  return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t)) == 0;
+}
+
+/// A hash of the units, for tables within this process.
+std::size_t hashOfUnits(std::u16string_view units) noexcept;
 
 class Text {
  public:
@@ -33,7 +42,7 @@ class Text {
   [[nodiscard]] bool isEmpty() const noexcept { return payload_ == nullptr; }
 
   friend bool operator==(const Text& a, const Text& b) noexcept {
-    return a.payload_ == b.payload_ || a.view() == b.view();
+    return a.payload_ == b.payload_ || haveSameUnits(a.view(), b.view());
   }
 
  private:

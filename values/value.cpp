@@ -222,7 +222,7 @@ bool operator==(const Value& a, const Value& b) noexcept {
     case Kind::date:
       return a.real_ == b.real_;
     case Kind::text:
-      return a.shared_ == b.shared_ || a.text() == b.text();
+      return a.shared_ == b.shared_ || haveSameUnits(a.text(), b.text());
     default:
       break;
   }
@@ -254,10 +254,8 @@ std::size_t Value::hash() const noexcept {
       return number().hash();
     case Kind::date:
       return combined(seed, Number::real(real_).hash());
-    case Kind::text: {
-      const std::u16string_view units = text();
-      return std::hash<std::u16string_view>{}(units);
-    }
+    case Kind::text:
+      return hashOfUnits(text());
     case Kind::url:
       return combined(seed, hashOf(url().absoluteString));
     case Kind::list: {

@@ -29,34 +29,47 @@ class ValueIndex {
   /// value as standing at `position` and gives kNone.
   template <class ValueAt>
   std::size_t findOrInsert(const Value& value, std::size_t position, ValueAt&& valueAt) {
-    return findOrInsertHashed(value, hashOf(value), position, valueAt);
+    const std::uint32_t hash = hashOf(value);
+    const std::size_t found = findHashed(value, hash, valueAt);
+    if (found == kNone) enter(hash, position);
+    return found;
   }
 
   /// Enters a value that stands at `position`; it must not be there yet.
   void insert(const Value& value, std::size_t position) { enter(hashOf(value), position); }
 
-  // The same in steps, for looking many values up: what a step will touch can
-  // be fetched while other values are at theirs.
-
-  [[nodiscard]] static std::uint32_t hashOf(const Value& value) noexcept {
-    return static_cast<std::uint32_t>((value.hash() * 0x9E3779B97F4A7C15ULL) >> 32U);
-  }
-  void fetchSlot(std::uint32_t hash) const noexcept {
-    if (!slots_.empty()) __builtin_prefetch(&slots_[hash & mask()]);
-  }
-  /// The position of the first entry with this hash, which is most often the equal one.
-  [[nodiscard]] std::size_t likelyPosition(std::uint32_t hash) const noexcept {
-    if (slots_.empty()) return kNone;
-    std::size_t slot = hash & mask();
-    while (slots_[slot].entry != 0 && slots_[slot].hash != hash) slot = (slot + 1) & mask();
-    return slots_[slot].entry == 0 ? kNone : slots_[slot].entry - 1;
-  }
-  template <class ValueAt>
-  std::size_t findOrInsertHashed(const Value& value, std::uint32_t hash, std::size_t position,
-                                 ValueAt&& valueAt) {
-    const std::size_t found = findHashed(value, hash, valueAt);
-    if (found == kNone) enter(hash, position);
-    return found;
+  /// Goes through many values: one that has no equal among those entered is entered
+  /// as standing at the next free position, counted from 0, and `onNew(i)` is
+  /// called, which must put values[i] where `valueAt` finds it at that position.
+  /// Values for which `isWanted(i)` is false are passed over. Several times faster
+  /// than one by one once there are more values than the processor's caches hold.
+  template <class ValueAt, class IsWanted, class OnNew>
+  void findOrInsertAll(std::span<const Value> values, ValueAt&& valueAt, IsWanted&& isWanted,
+                       OnNew&& onNew) {
+    // What a step will touch is fetched while other values are at theirs.
+    constexpr std::size_t kBlock = 32;
+    std::array<std::uint32_t, kBlock> hashes;
+    std::array<std::size_t, kBlock> likely;
+    for (std::size_t first = 0; first < values.size(); first += kBlock) {
+      const std::size_t count = std::min(kBlock, values.size() - first);
+      for (std::size_t i = 0; i < count; ++i) {
+        hashes[i] = hashOf(values[first + i]);
+        fetchSlot(hashes[i]);
+      }
+      for (std::size_t i = 0; i < count; ++i) {
+        likely[i] = likelyPosition(hashes[i]);
+        if (likely[i] != kNone) __builtin_prefetch(&valueAt(likely[i]));
+      }
+      for (std::size_t i = 0; i < count; ++i) {
+        if (likely[i] != kNone) valueAt(likely[i]).fetch();
+      }
+      for (std::size_t i = 0; i < count; ++i) {
+        if (!isWanted(first + i)) continue;
+        if (findHashed(values[first + i], hashes[i], valueAt) != kNone) continue;
+        enter(hashes[i], count_);
+        onNew(first + i);
+      }
+    }
   }
 
  private:
@@ -76,6 +89,19 @@ class ValueIndex {
     }
   }
 
+  [[nodiscard]] static std::uint32_t hashOf(const Value& value) noexcept {
+    return static_cast<std::uint32_t>((value.hash() * 0x9E3779B97F4A7C15ULL) >> 32U);
+  }
+  void fetchSlot(std::uint32_t hash) const noexcept {
+    if (!slots_.empty()) __builtin_prefetch(&slots_[hash & mask()]);
+  }
+  // The position of the first entry with this hash, which is most often the equal one.
+  [[nodiscard]] std::size_t likelyPosition(std::uint32_t hash) const noexcept {
+    if (slots_.empty()) return kNone;
+    std::size_t slot = hash & mask();
+    while (slots_[slot].entry != 0 && slots_[slot].hash != hash) slot = (slot + 1) & mask();
+    return slots_[slot].entry == 0 ? kNone : slots_[slot].entry - 1;
+  }
   [[nodiscard]] std::size_t mask() const noexcept { return slots_.size() - 1; }
   void enter(std::uint32_t hash, std::size_t position);
   void grow();
@@ -95,33 +121,21 @@ class ValueSet {
     return true;
   }
 
-  /// Inserts many values; calls `report(i, isNew)` for each in turn. Several times
-  /// faster than one by one once the set is larger than the processor's caches.
+  /// Inserts many values; calls `report(i, isNew)` for each in turn.
   template <class Report>
   void insertAll(std::span<const Value> values, Report&& report) {
-    constexpr std::size_t kBlock = 32;
-    std::array<std::uint32_t, kBlock> hashes;
-    std::array<std::size_t, kBlock> likely;
-    for (std::size_t first = 0; first < values.size(); first += kBlock) {
-      const auto block = values.subspan(first, std::min(kBlock, values.size() - first));
-      for (std::size_t i = 0; i < block.size(); ++i) {
-        hashes[i] = ValueIndex::hashOf(block[i]);
-        index_.fetchSlot(hashes[i]);
-      }
-      for (std::size_t i = 0; i < block.size(); ++i) {
-        likely[i] = index_.likelyPosition(hashes[i]);
-        if (likely[i] != ValueIndex::kNone) __builtin_prefetch(&values_[likely[i]]);
-      }
-      for (std::size_t i = 0; i < block.size(); ++i) {
-        if (likely[i] != ValueIndex::kNone) values_[likely[i]].fetch();
-      }
-      for (std::size_t i = 0; i < block.size(); ++i) {
-        const bool isNew = index_.findOrInsertHashed(block[i], hashes[i], values_.size(), at()) ==
-                           ValueIndex::kNone;
-        if (isNew) values_.push_back(block[i]);
-        report(first + i, isNew);
-      }
-    }
+    std::size_t reported = 0;
+    index_.findOrInsertAll(
+        values, at(), [](std::size_t /*i*/) { return true; },
+        [&](std::size_t i) {
+          values_.push_back(values[i]);
+          for (; reported < i; ++reported) report(reported, false);
+          report(reported++, true);
+        });
+    for (; reported < values.size(); ++reported) report(reported, false);
+  }
+  void insertAll(std::span<const Value> values) {
+    insertAll(values, [](std::size_t /*i*/, bool /*isNew*/) {});
   }
 
   [[nodiscard]] bool contains(const Value& value) const {
