@@ -126,7 +126,7 @@ ScriptValue dateFrom(const std::string& text) {
   const auto seconds = foundation::longDateTimeFromIso8601(text);
   if (!seconds) {
     refuse(
-        "“$date” needs an ISO 8601 date and time with an offset, such as "
+        "“$date” needs a date and time that exist, written with an offset as in "
         "2024-03-01T15:05:00Z");
   }
   return ScriptValue::withPlain("ldt "_code, *seconds);
