@@ -117,6 +117,8 @@ void Command::recordCurrentException(bool& isAnswered) {
     scriptError_.emplace(scripting_error::kOutOfMemory, "There is not enough memory for this.");
   } catch (const std::exception& error) {
     scriptError_.emplace(scripting_error::kHandlerFailed, error.what());
+  } catch (...) {
+    scriptError_.emplace(scripting_error::kHandlerFailed, "The command failed.");
   }
 }
 

@@ -10,7 +10,7 @@
 #include <thread>
 #include <utility>
 
-#include "core/spin.h"
+#include "core/spin_wait.h"
 
 namespace skerrow::core {
 
@@ -19,9 +19,20 @@ namespace skerrow::core {
 struct MainLoop::State {
   GMainContext* context = g_main_context_new();
   std::thread::id thread = std::this_thread::get_id();
+  SpinWait spin;
   std::mutex mutex;
-  std::deque<Task> posted;              // under mutex
-  std::atomic<bool> hasPosted = false;  // set under mutex, looked at without it
+  std::deque<Task> posted;                   // under mutex
+  std::atomic<std::size_t> postedCount = 0;  // set under mutex, looked at without it
+
+  // Empty when nothing was posted.
+  Task nextPosted() {
+    const std::lock_guard lock(mutex);
+    if (posted.empty()) return {};
+    Task task = std::move(posted.front());
+    posted.pop_front();
+    postedCount = posted.size();
+    return task;
+  }
 };
 
 namespace {
@@ -45,7 +56,7 @@ void MainLoop::post(Task task) {
   {
     const std::lock_guard lock(state_->mutex);
     state_->posted.push_back(std::move(task));
-    state_->hasPosted = true;
+    state_->postedCount = state_->posted.size();
   }
   g_main_context_wakeup(state_->context);
 }
@@ -69,23 +80,16 @@ void MainLoop::stopTimer(TimerId timer) {
 
 void MainLoop::runUntil(const std::function<bool()>& isDone) {
   assert(isOwnThread());
-  std::deque<Task> tasks;
+  const auto hasPosted = [this] { return state_->postedCount.load(std::memory_order_acquire) > 0; };
   while (!isDone()) {
-    {
-      const std::lock_guard lock(state_->mutex);
-      tasks.swap(state_->posted);
-      state_->hasPosted = false;
+    // One at a time, as a task may itself serve the loop.
+    if (Task task = state_->nextPosted()) {
+      task();
+      g_main_context_iteration(state_->context, FALSE);
+    } else if (!state_->spin.until(hasPosted)) {
+      // A task that comes within microseconds finds the thread awake; now it sleeps.
+      g_main_context_iteration(state_->context, TRUE);
     }
-    if (tasks.empty()) {
-      // A reply that comes within microseconds finds the thread awake.
-      if (!spinUntil([this] { return state_->hasPosted.load(std::memory_order_acquire); })) {
-        g_main_context_iteration(state_->context, TRUE);
-      }
-      continue;
-    }
-    for (Task& task : tasks) task();
-    tasks.clear();
-    g_main_context_iteration(state_->context, FALSE);
   }
 }
 

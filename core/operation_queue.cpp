@@ -3,7 +3,7 @@
 #include <system_error>
 #include <utility>
 
-#include "core/spin.h"
+#include "core/spin_wait.h"
 
 namespace skerrow::core {
 
@@ -41,12 +41,13 @@ void WorkerPool::startThread() {
 }
 
 void WorkerPool::serve() {
+  SpinWait spin;
   std::unique_lock lock(mutex_);
   for (;;) {
     ++idleThreads_;
     if (waiting_.empty() && !isClosing_) {
       lock.unlock();
-      spinUntil([this] { return waitingCount_.load(std::memory_order_acquire) > 0; });
+      spin.until([this] { return waitingCount_.load(std::memory_order_acquire) > 0; });
       lock.lock();
     }
     wake_.wait(lock, [this] { return isClosing_ || !waiting_.empty(); });

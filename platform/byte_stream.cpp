@@ -21,10 +21,13 @@ constexpr int kClosed = -1;
 
 std::string quoted(const std::string& path) { return "“" + path + "”"; }
 
+void requireNoNul(const std::string& path) {
+  if (path.find('\0') == std::string::npos) return;
+  throw PlatformError("Could not open the file: a path cannot contain the character NUL.");
+}
+
 int openForReading(const std::string& path) {
-  if (path.find('\0') != std::string::npos) {
-    throw PlatformError("Could not open the file: a path cannot contain the character NUL.");
-  }
+  requireNoNul(path);
   const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (descriptor < 0) throw PlatformError("Could not open the file " + quoted(path), errno);
   return descriptor;
@@ -84,6 +87,7 @@ void OutputStream::writeAll(const char* bytes, std::size_t count) {
 }
 
 std::string readWholeFile(const std::string& path) {
+  requireNoNul(path);
   // Looked at before it is opened: opening a pipe would wait for its other end.
   struct stat status = {};
   if (::stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {

@@ -29,7 +29,7 @@ struct KindWords {
 constexpr KindWords kKindWords[] = {
     {Kinds::any, "any value", "values"},
     {Kinds::text, "a text", "texts"},
-    {Kinds::integer, "an integer of 32 bits", "integers of 32 bits"},
+    {Kinds::integer, "an integer", "integers"},
     {Kinds::real, "a real number", "real numbers"},
     {Kinds::boolean, "true or false", "booleans"},
     {Kinds::date, "a date", "dates"},
@@ -108,15 +108,27 @@ std::optional<Value> plainValue(Kinds kinds, const ScriptValue& value) {
   return std::nullopt;
 }
 
-[[noreturn]] void refuse(const ArgumentEntry& argument, const std::string& given) {
-  throw core::ScriptError(core::scripting_error::kWrongKind,
-                          "“" + std::string(argument.key) + "” takes " + kindsInWords(argument) +
-                              ", not " + given + ".");
+[[noreturn]] void refuse(const ArgumentEntry& argument, const std::string& takes,
+                         const std::string& given) {
+  throw core::ScriptError(
+      core::scripting_error::kWrongKind,
+      "“" + std::string(argument.key) + "” takes " + takes + ", not " + given + ".");
+}
+
+[[noreturn]] void refuse(const ArgumentEntry& argument, const ScriptValue& value) {
+  const auto number = core::numberFromScriptValue(value);
+  const bool isTooLarge = contains(argument.single, Kinds::integer) && number &&
+                          !number->isReal() && !isBoolean(value.type());
+  const bool isDamaged = core::isNumberType(value.type()) && !number;
+  refuse(argument, isTooLarge ? "an integer of 32 bits" : kindsInWords(argument),
+         kindInWords(value) + (isDamaged ? " with damaged data" : ""));
 }
 
 Value givenItems(const ArgumentEntry& argument, const ScriptValue& list) {
   for (const ScriptValue& item : list.items()) {
-    if (!plainValue(argument.items, item)) refuse(argument, "a list with " + kindInWords(item));
+    if (!plainValue(argument.items, item)) {
+      refuse(argument, kindsInWords(argument), "a list with " + kindInWords(item));
+    }
   }
   return core::unpackListShallow(list);
 }
@@ -159,10 +171,7 @@ Value evaluateArgument(const ArgumentEntry& argument, const ScriptValue& value) 
     return value;
   }
   auto plain = plainValue(argument.single, value);
-  if (!plain) {
-    const bool isDamaged = core::isNumberType(value.type()) && !core::numberFromScriptValue(value);
-    refuse(argument, kindInWords(value) + (isDamaged ? " with damaged data" : ""));
-  }
+  if (!plain) refuse(argument, value);
   switch (argument.arrival) {
     case Arrival::plain:
       return std::move(*plain);
