@@ -21,6 +21,7 @@ WorkerPool::~WorkerPool() {
 void WorkerPool::run(Operation operation) {
   {
     const std::lock_guard lock(mutex_);
+    if (isClosing_) return;  // dropped, as those that wait are
     waiting_.push_back(std::move(operation));
     waitingCount_ = waiting_.size();
     if (idleThreads_ < waiting_.size() && threads_.size() < kMaximumThreads) startThread();

@@ -28,7 +28,8 @@ class WorkerPool {
   /// Drops the operations that wait and joins those that run.
   ~WorkerPool();
 
-  /// Hands over an operation, which must not throw. Callable on any thread. Throws
+  /// Hands over an operation, which must not throw; a pool that is closing drops it.
+  /// Callable on any thread, also from an operation. Throws
   /// std::system_error when the system gives not even one thread.
   void run(Operation operation);
 
