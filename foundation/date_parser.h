@@ -1,0 +1,42 @@
+#pragma once
+// DateParser: reads dates by a pattern of Unicode Technical Standard #35, strictly
+// (as ICU understands it: white space in front of a field and the names of a month
+// in another length still pass): the whole text must fit the pattern and name a day
+// and time that exist. What the pattern does not say is that of 2000-01-01 00:00:00.
+// One object serves one thread.
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "foundation/text_comparison.h"
+#include "values/value.h"
+
+namespace skerrow::foundation {
+
+class DateParser {
+ public:
+  /// Nothing where ICU rejects the pattern. `locale` is an ICU locale identifier, by
+  /// whose names of months and days, and in whose calendar, dates are read; the root,
+  /// which has no names, means English. A pattern without a zone means local time, or
+  /// that of `timeZone` (an Olson name) if given.
+  static std::optional<DateParser> make(std::u16string_view pattern,
+                                        const std::string& locale = userLocale(),
+                                        std::u16string_view timeZone = {});
+
+  DateParser(DateParser&&) noexcept;
+  DateParser& operator=(DateParser&&) noexcept;
+  ~DateParser();
+
+  /// Nothing where the text is no date of the pattern.
+  [[nodiscard]] std::optional<Date> parse(std::u16string_view text) const;
+
+ private:
+  struct Formats;
+  explicit DateParser(std::unique_ptr<Formats> formats);
+
+  std::unique_ptr<Formats> formats_;
+};
+
+}  // namespace skerrow::foundation

@@ -1,0 +1,69 @@
+#include <gtest/gtest.h>
+
+#include <cstdint>
+
+#include "core/command.h"
+#include "tests/values/describe.h"
+#include "values/value.h"
+
+namespace skerrow::core {
+namespace {
+
+using tests::described;
+
+Arguments with(Value value) {
+  Arguments arguments;
+  arguments.set("key", std::move(value));
+  return arguments;
+}
+
+TEST(Arguments, AreFoundByTheirExactKey) {
+  Arguments arguments = with(u"value");
+  arguments.set("Key", Value());
+  arguments.set("", u"empty");
+  ASSERT_TRUE(arguments.has("key"));
+  EXPECT_EQ(described(*arguments.find("key")), "“value”");
+  EXPECT_EQ(described(*arguments.find("Key")), "null");
+  EXPECT_EQ(described(*arguments.find("")), "“empty”");
+  for (const char* absent : {"KEY", "ke", "keys", " key", "é"}) {
+    EXPECT_EQ(arguments.find(absent), nullptr) << absent;
+    EXPECT_FALSE(arguments.has(absent)) << absent;
+  }
+  EXPECT_FALSE(Arguments().has(""));
+}
+
+TEST(Arguments, CountAsLastGiven) {
+  Arguments arguments = with(u"first");
+  arguments.set("key", u"second");
+  EXPECT_EQ(described(*arguments.find("key")), "“second”");
+}
+
+struct Row {
+  Value value;
+  bool isSet;
+  std::optional<std::int64_t> integer;
+};
+
+TEST(Arguments, ABooleanIsSetWhenPresentAndTrueAndOnlyNumbersAreIntegers) {
+  const Row rows[] = {
+      {Number::boolean(true), true, 1},
+      {Number::boolean(false), false, 0},
+      {Number::signed32(-1), true, -1},
+      {Number::signed64(INT64_MIN), true, INT64_MIN},
+      {Number::real(2.9), true, 2},
+      {Number::real(-0.0), false, 0},
+      {u"true", false, std::nullopt},
+      {u"1", false, std::nullopt},
+      {Value(), false, std::nullopt},
+      {std::vector<Value>{Number::boolean(true)}, false, std::nullopt},
+  };
+  for (const Row& row : rows) {
+    EXPECT_EQ(with(row.value).isSet("key"), row.isSet) << described(row.value);
+    EXPECT_EQ(with(row.value).integer("key"), row.integer) << described(row.value);
+  }
+  EXPECT_FALSE(Arguments().isSet("key"));
+  EXPECT_EQ(Arguments().integer("key"), std::nullopt);
+}
+
+}  // namespace
+}  // namespace skerrow::core

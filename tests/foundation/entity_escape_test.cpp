@@ -1,0 +1,62 @@
+#include "foundation/entity_escape.h"
+
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
+#include <string>
+
+#include "foundation/text_encoding.h"
+
+namespace skerrow::foundation {
+namespace {
+
+TEST(EntityEscape, EscapesTheFiveCharacters) {
+  EXPECT_EQ(utf8FromUtf16(entitiesEscaped(u"<a href=\"x\">R&D's é</a>")),
+            "&lt;a href=&quot;x&quot;&gt;R&amp;D&apos;s é&lt;/a&gt;");
+  EXPECT_EQ(utf8FromUtf16(entitiesEscaped(u"&amp;")), "&amp;amp;");
+  EXPECT_EQ(entitiesEscaped(u""), u"");
+  EXPECT_EQ(entitiesEscaped(u"plain"), u"plain");
+}
+
+TEST(EntityEscape, UnescapesEntitiesAndCharacterReferences) {
+  const struct {
+    const char16_t* text;
+    const char* expected;
+  } cases[] = {
+      {u"", ""},
+      {u"&lt;&gt;&amp;&quot;&apos;", "<>&\"'"},
+      {u"&#233;&#xE9;&#xe9;", "ééé"},
+      {u"&#x1F600;&#128512;", "😀😀"},
+      {u"&#0000000000000000000065;", "A"},
+      {u"&#9;&#10;", "\t\n"},
+      {u"&amp;lt;", "&lt;"},
+      {u"&#38;lt;", "&lt;"},
+      {u"&&amp;&", "&&&"},
+      {u"&nbsp;&eacute;", "&nbsp;&eacute;"},
+      {u"&amp", "&amp"},
+      {u"&", "&"},
+      {u"&;", "&;"},
+      {u"&#;", "&#;"},
+      {u"&#x;", "&#x;"},
+      {u"&#XE9;", "&#XE9;"},
+      {u"&#12a;", "&#12a;"},
+      {u"&#xG;", "&#xG;"},
+      {u"&#0;", "&#0;"},
+      {u"&#xD800;", "&#xD800;"},
+      {u"&#x110000;", "&#x110000;"},
+      {u"&#99999999999999999999;", "&#99999999999999999999;"},
+      {u"&AMP;", "&AMP;"},
+      {u"& lt;", "& lt;"},
+  };
+  for (const auto& each : cases) {
+    EXPECT_EQ(utf8FromUtf16(entitiesUnescaped(each.text)), each.expected);
+  }
+}
+
+RC_GTEST_PROP(EntityEscape, UnescapingGivesBackWhatWasEscaped, (const std::string& bytes)) {
+  const std::u16string text = utf16FromUtf8Replacing(bytes) + u"&<>\"'";
+  RC_ASSERT(entitiesUnescaped(entitiesEscaped(text)) == text);
+}
+
+}  // namespace
+}  // namespace skerrow::foundation

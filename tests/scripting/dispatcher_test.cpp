@@ -1,0 +1,358 @@
+#include "scripting/dispatcher.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "core/application_delegate.h"
+#include "core/operation_queue.h"
+#include "core/script_compiler.h"
+#include "foundation/text_encoding.h"
+#include "tests/scripting/test_commands.h"
+#include "tests/values/building.h"
+#include "tests/values/describe.h"
+
+namespace skerrow::scripting {
+namespace {
+
+using namespace literals;
+using namespace std::chrono_literals;
+using tests::described;
+using tests::scriptText;
+using tests::Stage;
+
+std::string described(const core::Reply& reply) {
+  if (const auto* error = std::get_if<core::ScriptError>(&reply)) {
+    return "error " + std::to_string(error->number()) + " " + error->message();
+  }
+  return described(std::get<std::optional<ScriptValue>>(reply));
+}
+
+Event event(std::string command, EventArguments arguments = {}) {
+  Event made;
+  made.command = std::move(command);
+  made.arguments = std::move(arguments);
+  return made;
+}
+
+Event eventWith(std::string command, ScriptValue direct,
+                std::chrono::milliseconds timeout = Event::kDefaultTimeout) {
+  Event made = event(std::move(command));
+  made.directParameter = std::move(direct);
+  made.timeout = timeout;
+  return made;
+}
+
+class DispatcherTest : public testing::Test {
+ protected:
+  DispatcherTest() { tests::setStage(stage_); }
+  ~DispatcherTest() override { stage_->release.set(); }
+
+  std::string perform(Event event) { return described(dispatcher_->perform(std::move(event))); }
+
+  /// Sends an event whose reply is gathered under a name.
+  Dispatcher::EventId send(const std::string& name, Event event) {
+    return dispatcher_->send(std::move(event), [this, name](const core::Reply& reply) {
+      replies_[name].push_back(described(reply));
+    });
+  }
+
+  /// Serves everything that was posted to the loop so far.
+  void serveWhatIsThere() {
+    bool isServed = false;
+    loop_.post([&] { isServed = true; });
+    loop_.runUntil([&] { return isServed; });
+  }
+
+  void serveFor(std::chrono::milliseconds time) {
+    bool isOver = false;
+    loop_.startTimer(time, [&] { isOver = true; });
+    loop_.runUntil([&] { return isOver; });
+  }
+
+  void serveUntilReplies(std::size_t count) {
+    bool isGivenUp = false;
+    const auto timer = loop_.startTimer(tests::kPatience, [&] { isGivenUp = true; });
+    loop_.runUntil([&] { return isGivenUp || replies_.size() >= count; });
+    loop_.stopTimer(timer);
+    EXPECT_FALSE(isGivenUp);
+  }
+
+  std::shared_ptr<Stage> stage_ = std::make_shared<Stage>();
+  std::map<std::string, std::vector<std::string>> replies_;
+  core::NoApplication application_;
+  core::NoScriptCompiler compiler_;
+  core::MainLoop loop_;
+  core::WorkerPool pool_;
+  std::optional<Dispatcher> dispatcher_{std::in_place, testDictionary(), testDictionaryClasses(),
+                                        loop_,
+                                        core::CommandContext{application_, pool_, compiler_}};
+};
+
+struct ReplyRow {
+  const char* about;
+  Event event;
+  const char* reply;
+};
+
+TEST_F(DispatcherTest, AnswersWithWhatTheCommandEndsWith) {
+  const ReplyRow rows[] = {
+      {"a result", eventWith("TestBehave", scriptText(u"é")), "'utxt' “\\u00E9”"},
+      {"an empty result", eventWith("TestBehave", scriptText(u"")), "'utxt' “”"},
+      {"nothing", eventWith("TestBehave", scriptText(u"nothing")), "nothing"},
+      {"a rejection", eventWith("TestBehave", scriptText(u"reject")), "error 2001 Rejected."},
+      {"a failure", eventWith("TestBehave", scriptText(u"fail")), "error 2002 Failed."},
+      {"an exception", eventWith("TestBehave", scriptText(u"break")), "error -10000 Broken."},
+      {"an answer at once", eventWith("TestAnswerAtOnce", ScriptValue::integer32(5)),
+       "'long' 05000000"},
+      {"nothing at once", event("TestAnswerAtOnce"), "nothing"},
+      {"missing value given as the direct parameter", eventWith("TestAnswerAtOnce", ScriptValue()),
+       "'type' 676E736D"},
+  };
+  for (const ReplyRow& row : rows) EXPECT_EQ(perform(row.event), row.reply) << row.about;
+}
+
+TEST_F(DispatcherTest, RefusesWhatTheDictionaryDoesNotHold) {
+  const ReplyRow rows[] = {
+      {"an unknown command", event("TestNothing"),
+       "error -1708 There is no command “TestNothing”."},
+      {"no command", event(""), "error -1708 There is no command “”."},
+      {"another case", event("testEcho"), "error -1708 There is no command “testEcho”."},
+      {"a command's words", event("echo"), "error -1708 There is no command “echo”."},
+      {"Unicode", event("Écho%@"), "error -1708 There is no command “Écho%@”."},
+      {"an unknown command before its arguments", event("Nope", {{"nope", ScriptValue()}}),
+       "error -1708 There is no command “Nope”."},
+      {"an unknown argument", event("TestEcho", {{"nope", ScriptValue()}}),
+       "error -1701 TestEcho has no argument “nope”."},
+      {"an argument without a key", event("TestEcho", {{"", ScriptValue()}}),
+       "error -1701 TestEcho has no argument “”."},
+      {"an argument by its words", event("TestEcho", {{"with text", scriptText(u"a")}}),
+       "error -1701 TestEcho has no argument “with text”."},
+      {"an unknown one after a known one",
+       event("TestEcho", {{"text", scriptText(u"a")}, {"é", scriptText(u"b")}}),
+       "error -1701 TestEcho has no argument “é”."},
+      {"an argument of a command without any", event("TestWorkLong", {{"text", scriptText(u"a")}}),
+       "error -1701 TestWorkLong has no argument “text”."},
+      {"a wrong kind", event("TestEcho", {{"text", ScriptValue::integer32(5)}}),
+       "error -1700 “text” takes a text, not the integer 5."},
+      {"a given missing value", event("TestEcho", {{"date", ScriptValue()}}),
+       "error -1700 “date” takes a date, not missing value."},
+  };
+  for (const ReplyRow& row : rows) EXPECT_EQ(perform(row.event), row.reply) << row.about;
+}
+
+TEST_F(DispatcherTest, RefusesBeforeItReturns) {
+  send("unknown", event("TestNothing"));
+  EXPECT_EQ(replies_["unknown"].size(), 1U);
+  send("at once", event("TestAnswerAtOnce"));
+  EXPECT_EQ(replies_["at once"].size(), 1U);
+}
+
+TEST_F(DispatcherTest, HandsTheArgumentsOverInTheirShapes) {
+  const ReplyRow rows[] = {
+      {"none", event("TestEcho"), ""},
+      {"the direct parameter as it was given",
+       eventWith("TestEcho", ScriptValue::typeCode("pnam"_code)), "direct: 'type' 6D616E70; "},
+      {"a plain value", event("TestEcho", {{"text", scriptText(u"a")}}), "text: “a”; "},
+      {"an enumerator as a constant",
+       event("TestEcho", {{"colour", tests::plain("enum"_code, "redC"_code)}}),
+       "colour: unsigned32 1919247427; "},
+      {"an enumerator as an integer",
+       event("TestEcho", {{"colour", ScriptValue::integer32(1919247427)}}),
+       "colour: unsigned32 1919247427; "},
+      {"a list", event("TestEcho", {{"texts", ScriptValue::list({scriptText(u"a")})}}),
+       "texts: [raw 'utxt' “a”]; "},
+      {"a single value as a list of one", event("TestEcho", {{"textOrTexts", scriptText(u"a")}}),
+       "textOrTexts: [raw 'utxt' “a”]; "},
+      {"a record as it was given", event("TestEcho", {{"record", tests::scriptRecord({})}}),
+       "record: raw 'reco' {'usrf': 'list' []}; "},
+      {"missing value for anything", event("TestEcho", {{"anything", ScriptValue()}}),
+       "anything: raw 'type' 676E736D; "},
+      {"a repeated key counts as last given",
+       event("TestEcho", {{"text", scriptText(u"a")}, {"text", scriptText(u"b")}}), "text: “b”; "},
+  };
+  for (const ReplyRow& row : rows) {
+    const core::Reply reply = dispatcher_->perform(row.event);
+    const auto* result = std::get_if<std::optional<ScriptValue>>(&reply);
+    ASSERT_TRUE(result != nullptr && result->has_value()) << described(reply);
+    EXPECT_EQ(foundation::utf8FromUtf16(*(*result)->heldUnits()), row.reply) << row.about;
+  }
+}
+
+TEST_F(DispatcherTest, TimesOutAndTellsTheWorkToStop) {
+  EXPECT_EQ(perform(eventWith("TestWorkLong", scriptText(u""), 20ms)),
+            "error -1712 AppleEvent timed out.");
+  EXPECT_TRUE(stage_->cancelled.waitFor(1));
+}
+
+TEST_F(DispatcherTest, WorkThatAnswersInTimeDoesNotTimeOut) {
+  send("long", eventWith("TestWorkLong", scriptText(u""), 10min));
+  ASSERT_TRUE(stage_->started.waitFor(1));
+  stage_->release.set();
+  serveUntilReplies(1);
+  EXPECT_EQ(replies_["long"], std::vector<std::string>{"'utxt' “released ”"});
+}
+
+TEST_F(DispatcherTest, WorkThatFailsLateAnswersWithItsFailure) {
+  send("long", eventWith("TestWorkLong", scriptText(u"fail")));
+  ASSERT_TRUE(stage_->started.waitFor(1));
+  stage_->release.set();
+  serveUntilReplies(1);
+  EXPECT_EQ(replies_["long"], std::vector<std::string>{"error 2004 Failed late."});
+}
+
+TEST_F(DispatcherTest, ServesOtherEventsWhileOneWaits) {
+  send("long", eventWith("TestWorkLong", scriptText(u""), 10min));
+  ASSERT_TRUE(stage_->started.waitFor(1));
+  EXPECT_EQ(perform(eventWith("TestBehave", scriptText(u"one"))), "'utxt' “one”");
+  EXPECT_EQ(perform(eventWith("TestWorkLong", scriptText(u""), 10ms)),
+            "error -1712 AppleEvent timed out.");
+  EXPECT_EQ(perform(event("TestNothing")), "error -1708 There is no command “TestNothing”.");
+  EXPECT_TRUE(replies_.empty());
+  stage_->release.set();
+  serveUntilReplies(1);
+  EXPECT_EQ(replies_["long"].size(), 1U);
+}
+
+TEST_F(DispatcherTest, ATimeOutOf0MeansNone) {
+  send("long", eventWith("TestWorkLong", scriptText(u""), Event::kNoTimeout));
+  ASSERT_TRUE(stage_->started.waitFor(1));
+  serveFor(50ms);
+  EXPECT_TRUE(replies_.empty());
+  EXPECT_EQ(stage_->cancelled.count(), 0);
+  stage_->release.set();
+  serveUntilReplies(1);
+  EXPECT_EQ(replies_["long"], std::vector<std::string>{"'utxt' “released ”"});
+}
+
+TEST_F(DispatcherTest, AReplyAfterTheTimeOutIsDropped) {
+  send("deaf", eventWith("TestWorkLong", scriptText(u"deaf"), 10ms));
+  serveUntilReplies(1);
+  EXPECT_EQ(replies_["deaf"], std::vector<std::string>{"error -1712 AppleEvent timed out."});
+  stage_->release.set();
+  ASSERT_TRUE(stage_->ended.waitFor(1));
+  serveWhatIsThere();
+  EXPECT_EQ(replies_["deaf"].size(), 1U);
+}
+
+TEST_F(DispatcherTest, ACommandThatIsLeftUnansweredEndsInTheTimeOut) {
+  EXPECT_EQ(perform(eventWith("TestBehave", scriptText(u"unanswered"), 20ms)),
+            "error -1712 AppleEvent timed out.");
+}
+
+TEST_F(DispatcherTest, ACallerThatGoesAwayCancelsTheWorkAndHearsNothing) {
+  const auto gone = send("gone", event("TestWorkLong"));
+  send("stays", event("TestWorkLong"));
+  ASSERT_TRUE(stage_->started.waitFor(2));
+  dispatcher_->cancel(gone);
+  ASSERT_TRUE(stage_->cancelled.waitFor(1));
+  ASSERT_TRUE(stage_->ended.waitFor(1));
+  serveWhatIsThere();
+  EXPECT_TRUE(replies_.empty());
+  stage_->release.set();
+  serveUntilReplies(1);
+  EXPECT_TRUE(replies_.contains("stays"));
+  EXPECT_FALSE(replies_.contains("gone"));
+  EXPECT_EQ(stage_->cancelled.count(), 1);
+}
+
+TEST_F(DispatcherTest, CancellingWhatIsAnsweredOrUnknownChangesNothing) {
+  const auto answered = send("answered", event("TestAnswerAtOnce"));
+  dispatcher_->cancel(answered);
+  dispatcher_->cancel(Dispatcher::EventId{12345});
+  const auto gone = send("gone", event("TestWorkLong"));
+  dispatcher_->cancel(gone);
+  dispatcher_->cancel(gone);
+  EXPECT_EQ(replies_["answered"].size(), 1U);
+  EXPECT_EQ(perform(eventWith("TestBehave", scriptText(u"goes on"))), "'utxt' “goes on”");
+}
+
+TEST_F(DispatcherTest, EveryEventHasAnIdentityOfItsOwn) {
+  const auto first = send("a", event("TestAnswerAtOnce"));
+  const auto second = send("b", event("TestNothing"));
+  const auto third = send("c", event("TestWorkLong"));
+  EXPECT_NE(first, second);
+  EXPECT_NE(second, third);
+  EXPECT_NE(first, third);
+}
+
+TEST_F(DispatcherTest, ItsEndCancelsWhatRunsAndDropsTheReplies) {
+  for (int i = 0; i < 5; ++i) send("hears", event("TestWorkLong"));
+  send("deaf", eventWith("TestWorkLong", scriptText(u"deaf")));
+  ASSERT_TRUE(stage_->started.waitFor(6));
+  dispatcher_.reset();
+  EXPECT_TRUE(stage_->cancelled.waitFor(5));
+  stage_->release.set();
+  ASSERT_TRUE(stage_->ended.waitFor(6));
+  serveWhatIsThere();
+  EXPECT_TRUE(replies_.empty());
+}
+
+TEST_F(DispatcherTest, RepliesThatWaitInTheLoopWhenItEndsAreDropped) {
+  send("done", event("TestWorkLong"));
+  stage_->release.set();
+  ASSERT_TRUE(stage_->started.waitFor(1));
+  dispatcher_.reset();
+  ASSERT_TRUE(stage_->ended.waitFor(1));
+  serveWhatIsThere();
+  EXPECT_TRUE(replies_.empty());
+}
+
+TEST_F(DispatcherTest, SeveralEventsRunAtOnceAndEachGetsItsOwnReply) {
+  constexpr int kMany = 20;
+  for (int i = 0; i < kMany; ++i) {
+    const std::string name = std::to_string(i);
+    send(name, eventWith("TestWorkLong", scriptText(std::u16string(name.begin(), name.end()))));
+  }
+  ASSERT_TRUE(stage_->started.waitFor(kMany));
+  stage_->release.set();
+  serveUntilReplies(kMany);
+  for (const auto& [name, replies] : replies_) {
+    EXPECT_EQ(replies, std::vector<std::string>{"'utxt' “released " + name + "”"});
+  }
+}
+
+TEST_F(DispatcherTest, AReceiverMaySendAndEvenPerformOtherEvents) {
+  std::string inner;
+  dispatcher_->send(eventWith("TestBehave", scriptText(u"outer")), [&](const core::Reply&) {
+    send("next", eventWith("TestBehave", scriptText(u"next")));
+    inner = perform(eventWith("TestBehave", scriptText(u"inner")));
+  });
+  serveUntilReplies(1);
+  EXPECT_EQ(inner, "'utxt' “inner”");
+  EXPECT_EQ(replies_["next"], std::vector<std::string>{"'utxt' “next”"});
+}
+
+TEST_F(DispatcherTest, ShutsDownUnderLoad) {
+  for (int i = 0; i < 300; ++i) send("load", eventWith("TestBehave", scriptText(u"x")));
+  dispatcher_.reset();
+  serveWhatIsThere();
+  EXPECT_TRUE(replies_.empty());
+}
+
+#ifndef NDEBUG
+void sendElsewhere() {
+  core::NoApplication application;
+  core::NoScriptCompiler compiler;
+  core::MainLoop loop;
+  core::WorkerPool pool;
+  Dispatcher dispatcher(testDictionary(), testDictionaryClasses(), loop,
+                        core::CommandContext{application, pool, compiler});
+  std::jthread([&] { dispatcher.send(event("TestEcho"), [](const core::Reply&) {}); }).join();
+}
+
+TEST(DispatcherDeathTest, EventsAreSentOnTheLoopsOwnThread) {
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  EXPECT_DEATH(sendElsewhere(), "isOwnThread");
+}
+#endif
+
+}  // namespace
+}  // namespace skerrow::scripting

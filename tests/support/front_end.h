@@ -1,0 +1,27 @@
+#pragma once
+// FrontEnd: one way into the commands. Every table of cases runs through each of
+// them; a new way in is one more function and one more row.
+
+#include <functional>
+#include <ostream>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace skerrow::tests {
+
+struct FrontEnd {
+  /// Takes events, each one line such as {"command": C, "direct": D, "arguments": {…},
+  /// "timeout": S}, and gives the answer to each: {"result": V}, {} or {"error": {…}}.
+  using Answers = std::function<std::vector<std::string>(std::span<const std::string> events)>;
+
+  std::string name;  ///< letters only: it is part of the names of tests
+  Answers answers;
+
+  friend void PrintTo(const FrontEnd& frontEnd, std::ostream* stream) { *stream << frontEnd.name; }
+};
+
+/// Every way in that there is.
+std::vector<FrontEnd> frontEnds();
+
+}  // namespace skerrow::tests

@@ -1,0 +1,33 @@
+#pragma once
+// Short ways to make script values in tests.
+
+#include <cstdint>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "values/script_value.h"
+
+namespace skerrow::tests {
+
+inline ScriptValue scriptText(std::u16string_view units) { return ScriptValue::text(Text(units)); }
+
+/// A record of user fields: label, value, label, value.
+inline ScriptValue scriptRecord(std::vector<ScriptValue> labelsAndValues) {
+  return ScriptValue::record(
+      FourCharCode{0x7265636F},
+      {{FourCharCode{0x75737266}, ScriptValue::list(std::move(labelsAndValues))}});
+}
+
+/// A value of any type from a plain number in the host's byte order.
+template <class Plain>
+ScriptValue plain(FourCharCode type, Plain value) {
+  return ScriptValue::withPlain(type, value);
+}
+
+/// A file reference by the text of its URL.
+inline ScriptValue fileReference(std::string_view url) {
+  return ScriptValue::withPayload(FourCharCode{0x6675726C}, url);
+}
+
+}  // namespace skerrow::tests
