@@ -100,6 +100,9 @@ class Command : public std::enable_shared_from_this<Command> {
   /// Reads the arguments and runs the checks that need no work.
   virtual void check() {}
 
+  /// For `check`: this is the result, and there is no work to do.
+  void answerAtOnce(Value result) { immediateResult_ = std::move(result); }
+
   /// The work, on a worker thread. Nothing is a result too.
   virtual std::optional<Value> compute() = 0;
 
@@ -147,6 +150,7 @@ class Command : public std::enable_shared_from_this<Command> {
   const CommandContext* context_ = nullptr;
   ReplyReceiver receiver_;
   CancelToken cancelToken_;
+  std::optional<Value> immediateResult_;
   std::optional<ScriptError> scriptError_;
   std::atomic<State> state_ = State::created;
 };

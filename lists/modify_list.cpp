@@ -11,6 +11,7 @@
 
 #include "core/pack.h"
 #include "core/unpack.h"
+#include "lists/distinct.h"
 #include "values/script_value.h"
 #include "values/value_index.h"
 
@@ -205,32 +206,26 @@ ValueSet setOf(std::span<const Value> items) {
 
 // Keeps the first of equal items, if `isWanted`, in their order.
 template <class IsWanted>
-void keepDistinct(Items& list, IsWanted&& isWanted) {
+void keepDistinctByContent(Items& list, IsWanted&& isWanted) {
   Items contents;  // only where some items are not compared by themselves
   if (std::ranges::any_of(list, holdsRaw)) {
     std::ranges::transform(list, std::back_inserter(contents), wholeContent);
   }
-  const std::span<const Value> compared = contents.empty() ? list : contents;
-  ValueSet seen;
-  std::size_t kept = 0;
-  seen.insertAll(compared, [&](std::size_t i, bool isNew) {
-    if (isNew && isWanted(compared[i])) std::swap(list[kept++], list[i]);
-  });
-  list.resize(kept);
+  keepDistinct(list, contents.empty() ? list : contents, isWanted);
 }
 
 void intersect(Items& list, const Givens& givens) {
   const ValueSet others = setOf(givens.argument.items());
-  keepDistinct(list, [&others](const Value& item) { return others.contains(item); });
+  keepDistinctByContent(list, [&others](const Value& item) { return others.contains(item); });
 }
 
 void makeUnique(Items& list, const Givens& /*givens*/) {
-  keepDistinct(list, [](const Value& /*item*/) { return true; });
+  keepDistinctByContent(list, [](const Value& /*item*/) { return true; });
 }
 
 void subtract(Items& list, const Givens& givens) {
   const ValueSet others = setOf(givens.argument.items());
-  keepDistinct(list, [&others](const Value& item) { return !others.contains(item); });
+  keepDistinctByContent(list, [&others](const Value& item) { return !others.contains(item); });
 }
 
 void merge(Items& list, const Givens& givens) {
