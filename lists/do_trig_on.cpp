@@ -61,7 +61,7 @@ class SKWDoTrigOn final : public core::Command {
     }
     const Value* argument = evaluatedArguments().find("usingFunction");
     const std::u16string_view name = argument == nullptr ? u"" : argument->text();
-    const UnitRange trimmed = foundation::trimmedRange(name);
+    const auto trimmed = foundation::trimmedRange(name).of(name);
     const auto* found = std::ranges::find(kFunctions, trimmed, &NamedFunction::name);
     if (found == std::end(kFunctions)) throw ScriptError(kUnknownFunction);
     function_ = found->function;

@@ -1,0 +1,71 @@
+#pragma once
+// Code points in UTF-16 text. A lone surrogate counts as a code point of its own.
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace skerrow::foundation {
+
+struct CodePoint {
+  char32_t value = 0;
+  std::size_t unitCount = 0;
+};
+
+constexpr bool isLeadingSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
+constexpr bool isTrailingSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xDC00; }
+
+/// The code point that begins at a unit, which must lie inside the text.
+constexpr CodePoint codePointAt(std::u16string_view text, std::size_t position) {
+  const char16_t unit = text[position];
+  if (isLeadingSurrogate(unit) && position + 1 < text.size() &&
+      isTrailingSurrogate(text[position + 1])) {
+    return {((unit & 0x3FFU) << 10U) + (text[position + 1] & 0x3FFU) + 0x10000, 2};
+  }
+  return {unit, 1};
+}
+
+/// The code point that ends before a unit, which must not be the first.
+constexpr CodePoint codePointBefore(std::u16string_view text, std::size_t position) {
+  if (position >= 2 && isTrailingSurrogate(text[position - 1]) &&
+      isLeadingSurrogate(text[position - 2])) {
+    return codePointAt(text, position - 2);
+  }
+  return {text[position - 1], 1};
+}
+
+/// Appends a code point, which must not be above U+10FFFF.
+constexpr void appendCodePoint(std::u16string& text, char32_t codePoint) {
+  if (codePoint < 0x10000) {
+    text += static_cast<char16_t>(codePoint);
+    return;
+  }
+  text += static_cast<char16_t>(0xD7C0 + (codePoint >> 10U));
+  text += static_cast<char16_t>(0xDC00 + (codePoint & 0x3FFU));
+}
+
+/// The value of a hexadecimal digit, or nothing.
+constexpr std::optional<unsigned> hexadecimalDigit(char32_t character) {
+  if (character >= U'0' && character <= U'9') return character - U'0';
+  if (character >= U'a' && character <= U'f') return character - U'a' + 10;
+  if (character >= U'A' && character <= U'F') return character - U'A' + 10;
+  return std::nullopt;
+}
+
+/// The code point that the first `digitCount` units, at most eight, spell in
+/// hexadecimal; nothing where they are too few, no digits, or name none.
+constexpr std::optional<char32_t> codePointFromHexadecimal(std::u16string_view text,
+                                                           std::size_t digitCount) {
+  if (text.size() < digitCount) return std::nullopt;
+  char32_t codePoint = 0;
+  for (const char16_t unit : text.substr(0, digitCount)) {
+    const std::optional<unsigned> digit = hexadecimalDigit(unit);
+    if (!digit) return std::nullopt;
+    codePoint = codePoint << 4U | *digit;
+  }
+  if (codePoint > 0x10FFFF) return std::nullopt;
+  return codePoint;
+}
+
+}  // namespace skerrow::foundation

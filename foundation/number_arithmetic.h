@@ -1,0 +1,36 @@
+#pragma once
+// Arithmetic and ordering on numbers that keeps integers exact. Two integers give
+// an integer as long as 64 bits hold it, a real otherwise; an integer and a real
+// give a real.
+
+#include <compare>
+#include <cstdint>
+#include <stdexcept>
+
+#include "values/number.h"
+
+namespace skerrow::foundation {
+
+enum class ArithmeticOperator : std::uint8_t { add, subtract, multiply, divide, modulus, power };
+
+/// Thrown by a division or modulus whose divisor is zero, of integers and of reals.
+class DivisionByZero : public std::domain_error {
+ public:
+  DivisionByZero();
+};
+
+/// The quotient of two integers is an integer without its fraction, as the
+/// platform's expressions have it: 1 / 2 is 0 and 1.0 / 2 is 0.5. A modulus takes
+/// the sign of the dividend. Throws DivisionByZero.
+Number calculate(ArithmeticOperator operation, Number a, Number b);
+
+/// The number with the other sign.
+Number negated(Number number);
+
+/// By exact numeric value whatever the storage; NaN is unordered, even with itself.
+std::partial_ordering compareNumbers(Number a, Number b) noexcept;
+
+/// The smallest storage that holds a whole real exactly; any other real stays one.
+Number wholeNumber(double value);
+
+}  // namespace skerrow::foundation

@@ -1,0 +1,29 @@
+#pragma once
+// The pattern of a predicate's LIKE: "?" stands for one character, "*" for any
+// number of them, also none. A backslash takes the meaning from either, and from
+// another backslash; before anything else it is an ordinary character.
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+namespace skerrow::foundation {
+
+class WildcardPattern {
+ public:
+  WildcardPattern() = default;
+  explicit WildcardPattern(std::u16string_view pattern) { assign(pattern); }
+
+  /// Replaces the pattern and keeps its memory.
+  void assign(std::u16string_view pattern);
+
+  /// Whether the whole text matches; nothing when that takes more than `steps`,
+  /// as hostile patterns do. `steps` is what is left of them afterwards.
+  std::optional<bool> matches(std::u16string_view text, std::uint64_t& steps) const;
+
+ private:
+  std::vector<char32_t> elements_;  // characters, and two numbers that are none
+};
+
+}  // namespace skerrow::foundation
