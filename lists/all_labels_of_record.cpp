@@ -37,7 +37,8 @@ class SKWAllLabelsOfRecord final : public core::Command {
       if (distinct.insert(field.value)) labelsOf.emplace_back();
       labelsOf[distinct.position(field.value)].push_back(field.key);
     }
-    for (const Value& value : core::unpackArrayOfAEDescs(*values).items()) {
+    const Value wanted = core::unpackArrayOfAEDescs(*values);
+    for (const Value& value : wanted.items()) {
       const std::size_t position = distinct.position(value);
       if (position == ValueSet::kNone) continue;
       labels.insert(labels.end(), labelsOf[position].begin(), labelsOf[position].end());
