@@ -11,7 +11,6 @@
 #include "core/command.h"
 #include "core/unpack.h"
 #include "foundation/text_sort.h"
-#include "foundation/value_order.h"
 #include "lists/distinct.h"
 #include "lists/list_input.h"
 #include "lists/sort_criteria.h"
@@ -28,14 +27,14 @@ void sortTexts(Items& texts, TextComparison comparison, SortDirection direction)
   std::vector<std::u16string_view> views;
   views.reserve(texts.size());
   for (const Value& text : texts) views.push_back(text.text());
-  const auto positions = foundation::sortedPositions(
-      views, foundation::TextComparator(comparison), direction);
+  const auto positions =
+      foundation::sortedPositions(views, foundation::TextComparator(comparison), direction);
   texts = inOrder(std::move(texts), positions);
 }
 
 void sortPlainly(Items& items, SortDirection direction) {
   std::ranges::stable_sort(items, [direction](const Value& a, const Value& b) {
-    const auto order = foundation::compareValues(a, b);
+    const auto order = plainOrder(a, b);
     return direction == SortDirection::ascending ? order < 0 : order > 0;
   });
 }

@@ -1,6 +1,7 @@
 #include "lists/sort_criteria.h"
 
 #include <algorithm>
+#include <cmath>
 #include <numeric>
 #include <string_view>
 #include <utility>
@@ -22,7 +23,7 @@ std::vector<std::uint32_t> plainRanks(const std::vector<const Value*>& values) {
   std::vector<std::uint32_t> order(values.size());
   std::iota(order.begin(), order.end(), 0U);
   const auto isLess = [&values](std::uint32_t a, std::uint32_t b) {
-    return foundation::compareValues(*values[a], *values[b]) < 0;
+    return plainOrder(*values[a], *values[b]) < 0;
   };
   std::ranges::sort(order, isLess);
   std::vector<std::uint32_t> ranks(values.size());
@@ -81,6 +82,17 @@ SortKind sortKindOf(const Value& value) {
     default:
       return SortKind::other;
   }
+}
+
+std::weak_ordering plainOrder(const Value& a, const Value& b) noexcept {
+  const std::partial_ordering order = foundation::compareValues(a, b);
+  if (order < 0) return std::weak_ordering::less;
+  if (order > 0) return std::weak_ordering::greater;
+  if (order == 0) return std::weak_ordering::equivalent;
+  const auto isNumber = [](const Value& value) {
+    return !value.isNumber() || !std::isnan(value.number().asReal());
+  };
+  return isNumber(a) <=> isNumber(b);
 }
 
 void SortCriteria::add(const std::vector<const Value*>& values, SortKind kind,

@@ -3,6 +3,7 @@
 // options' codes, the directions, and criteria of which the first decides and
 // each later one breaks the ties of those before it. Sorts are stable.
 
+#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -33,6 +34,10 @@ std::vector<foundation::SortDirection> sortDirections(const core::Arguments& arg
 /// several kinds are sorted.
 enum class SortKind : std::uint8_t { number, text, date, other };
 SortKind sortKindOf(const Value& value);
+
+/// The plain order of two values of one kind. What is no number, such as the root
+/// of -1, comes before all numbers; values that have no order are equivalent.
+std::weak_ordering plainOrder(const Value& a, const Value& b) noexcept;
 
 class SortCriteria {
  public:
