@@ -43,10 +43,10 @@ class SKWMungeRecords final : public core::Command {
     for (const Value& key : keys->items()) {
       auto text = core::textFromScriptValue(key.raw());
       if (!text) throw ScriptError(kKeyNotText);
-      keys_.emplace_back(std::move(*text));
+      labels_.emplace_back(std::move(*text));
     }
     requireList(directParameter());
-    directions_ = sortDirections(arguments, keys_.size());
+    directions_ = sortDirections(arguments, labels_.size());
     option_ = sortingOption(arguments);
     isUnique_ = arguments.isSet("uniqueOption");
   }
@@ -55,23 +55,42 @@ class SKWMungeRecords final : public core::Command {
     Items records = core::unpackAEList(*takeDirectParameter()).takeItems();
     if (!std::ranges::all_of(records, &Value::isRecord)) throw ScriptError(kNotARecord);
     if (isUnique_) keepDistinct(records);
+    std::vector<Key> keys;
+    keys.reserve(labels_.size());
+    for (const Value& label : labels_) keys.push_back(keyFrom(records, label));
+    const auto comparison = comparisonFromCode(option_);
+    const auto isText = [](const Key& key) { return key.kind == SortKind::text; };
+    if (!comparison && std::ranges::any_of(keys, isText)) throw ScriptError(kUnknownOption);
+    if (std::ranges::any_of(keys, &Key::isUnsortable)) throw ScriptError(kUnsortable);
     SortCriteria criteria(records.size());
-    for (std::size_t i = 0; i < keys_.size(); ++i) addCriterion(criteria, records, i);
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+      criteria.add(keys[i].values, keys[i].kind,
+                   comparison.value_or(foundation::TextComparison::sortPlain), directions_[i]);
+    }
     return inOrder(std::move(records), criteria.positions());
   }
 
-  void addCriterion(SortCriteria& criteria, const Items& records, std::size_t key) const {
+  // What the records have under a label: null where they have nothing.
+  struct Key {
     std::vector<const Value*> values;
-    values.reserve(records.size());
+    SortKind kind = SortKind::text;
+    bool isUnsortable = false;  // lists and the like cannot be compared
+  };
+
+  static Key keyFrom(const Items& records, const Value& label) {
+    Key key;
+    key.values.reserve(records.size());
     bool hasTexts = false;
     bool hasNumbers = false;
     bool hasDates = false;
     bool hasOthers = false;
+    std::size_t present = 0;
     for (const Value& record : records) {
-      const Value* value = record.record().find(keys_[key]);
+      const Value* value = record.record().find(label);
       if (value != nullptr && value->isNull()) value = nullptr;
-      values.push_back(value);
+      key.values.push_back(value);
       if (value == nullptr) continue;
+      ++present;
       const SortKind kind = sortKindOf(*value);
       hasTexts = hasTexts || kind == SortKind::text;
       hasNumbers = hasNumbers || kind == SortKind::number;
@@ -79,17 +98,12 @@ class SKWMungeRecords final : public core::Command {
       hasOthers = hasOthers || kind == SortKind::other;
     }
     if (hasTexts + hasNumbers + hasDates > 1) throw ScriptError(kSeveralClasses);
-    const SortKind kind = hasDates     ? SortKind::date
-                          : hasNumbers ? SortKind::number
-                                       : SortKind::text;
-    const auto comparison = comparisonFromCode(option_);
-    if (kind == SortKind::text && !comparison) throw ScriptError(kUnknownOption);
-    if (hasOthers) throw ScriptError(kUnsortable);  // lists and the like have no order
-    criteria.add(values, kind, comparison.value_or(foundation::TextComparison::sortPlain),
-                 directions_[key]);
+    key.isUnsortable = hasOthers && present > 1;
+    key.kind = hasDates ? SortKind::date : hasNumbers ? SortKind::number : SortKind::text;
+    return key;
   }
 
-  Items keys_;
+  Items labels_;
   std::vector<foundation::SortDirection> directions_;
   std::uint32_t option_ = kStandardOption;
   bool isUnique_ = false;
