@@ -20,20 +20,20 @@ using Items = std::vector<Value>;
 class SKWAllLabelsOfRecord final : public core::Command {
   void check() override {
     if (!directParameter()) refuseMissing(kDirectParameter, "a record");
-    record_ = recordFrom(*directParameter(), kDirectParameter);
   }
 
   std::optional<Value> compute() override {
+    const Record record = recordFrom(*directParameter(), kDirectParameter);
     const Value* values = evaluatedArguments().find("forValues");
     Items labels;
     if (values == nullptr) {
-      for (const Record::Field& field : record_.fields()) labels.push_back(field.key);
+      for (const Record::Field& field : record.fields()) labels.push_back(field.key);
       return labels;
     }
     // The labels of equal values, found once for all the values asked for.
     ValueSet distinct;
     std::vector<Items> labelsOf;
-    for (const Record::Field& field : record_.fields()) {
+    for (const Record::Field& field : record.fields()) {
       if (distinct.insert(field.value)) labelsOf.emplace_back();
       labelsOf[distinct.position(field.value)].push_back(field.key);
     }
@@ -45,8 +45,6 @@ class SKWAllLabelsOfRecord final : public core::Command {
     }
     return labels;
   }
-
-  Record record_;
 };
 
 }  // namespace

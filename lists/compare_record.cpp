@@ -23,8 +23,8 @@ Record without(const Record& record, const Record& other, Comparing comparing) {
   Record rest;
   for (const Record::Field& field : record.fields()) {
     const Value* counterpart = other.find(field.key);
-    const bool isCommon = counterpart != nullptr &&
-                          (comparing == Comparing::labels || *counterpart == field.value);
+    const bool isCommon =
+        counterpart != nullptr && (comparing == Comparing::labels || *counterpart == field.value);
     if (!isCommon) rest.set(field.key, field.value);
   }
   return rest;
@@ -33,18 +33,15 @@ Record without(const Record& record, const Record& other, Comparing comparing) {
 class SKWCompareRecord final : public core::Command {
   void check() override {
     if (!directParameter()) refuseMissing(kDirectParameter, "a record");
-    first_ = recordFrom(*directParameter(), kDirectParameter);
-    second_ = recordArgument(evaluatedArguments(), "toRecord");
-    comparing_ = evaluatedArguments().isSet("inRecords") ? Comparing::labels : Comparing::entries;
   }
 
   std::optional<Value> compute() override {
-    return Items{without(first_, second_, comparing_), without(second_, first_, comparing_)};
+    const Record first = recordFrom(*directParameter(), kDirectParameter);
+    const Record second = recordArgument(evaluatedArguments(), "toRecord");
+    const auto comparing =
+        evaluatedArguments().isSet("inRecords") ? Comparing::labels : Comparing::entries;
+    return Items{without(first, second, comparing), without(second, first, comparing)};
   }
-
-  Record first_;
-  Record second_;
-  Comparing comparing_ = Comparing::entries;
 };
 
 }  // namespace

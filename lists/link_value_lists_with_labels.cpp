@@ -21,25 +21,21 @@ constexpr core::ErrorEntry kCountsDiffer = {1396,
                                             "Number of values does not match number of labels."};
 
 class SKWLinkValueListsWithLabels final : public core::Command {
-  void check() override {
-    requireList(directParameter());
-    labels_ = labelsArgument(evaluatedArguments(), "withLabels");
-  }
+  void check() override { requireList(directParameter()); }
 
   std::optional<Value> compute() override {
+    const auto labels = labelsArgument(evaluatedArguments(), "withLabels");
     std::vector<Value> records = core::unpackAEList(*takeDirectParameter()).takeItems();
     for (Value& item : records) {
       if (!item.isList()) throw core::ScriptError(kNotAList);
       const auto values = item.items();
-      if (values.size() != labels_.size()) throw core::ScriptError(kCountsDiffer);
+      if (values.size() != labels.size()) throw core::ScriptError(kCountsDiffer);
       Record record;
-      for (std::size_t i = 0; i < labels_.size(); ++i) record.set(labels_[i], values[i]);
+      for (std::size_t i = 0; i < labels.size(); ++i) record.set(labels[i], values[i]);
       item = Value(std::move(record));
     }
     return records;
   }
-
-  std::vector<Value> labels_;
 };
 
 }  // namespace

@@ -19,26 +19,20 @@ constexpr core::ErrorEntry kCountsDiffer = {1390,
                                             "Number of values does not match number of labels."};
 
 class SKWLinkValuesWithLabels final : public core::Command {
-  void check() override {
-    requireList(directParameter());
-    labels_ = labelsArgument(evaluatedArguments(), "withLabels");
-    if (evaluatedArguments().has("inRecord")) {
-      record_ = recordArgument(evaluatedArguments(), "inRecord");
-    }
-  }
+  void check() override { requireList(directParameter()); }
 
   // Values are carried over as they were given.
   std::optional<Value> compute() override {
-    const ScriptValue values = *takeDirectParameter();
-    if (values.items().size() != labels_.size()) throw core::ScriptError(kCountsDiffer);
-    for (std::size_t i = 0; i < labels_.size(); ++i) {
-      record_.set(labels_[i], Value(values.items()[i]));
+    const auto labels = labelsArgument(evaluatedArguments(), "withLabels");
+    Record record;
+    if (evaluatedArguments().has("inRecord")) {
+      record = recordArgument(evaluatedArguments(), "inRecord");
     }
-    return std::move(record_);
+    const ScriptValue values = *takeDirectParameter();
+    if (values.items().size() != labels.size()) throw core::ScriptError(kCountsDiffer);
+    for (std::size_t i = 0; i < labels.size(); ++i) record.set(labels[i], Value(values.items()[i]));
+    return record;
   }
-
-  std::vector<Value> labels_;
-  Record record_;
 };
 
 }  // namespace

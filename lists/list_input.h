@@ -36,7 +36,9 @@ std::vector<Record> recordsArgument(const core::Arguments& arguments, std::strin
 
 /// The key that a label names in records: its text, or for the name of a class or
 /// property its code between « and ». Refuses anything else.
-Value labelFrom(const ScriptValue& label, std::string_view parameter);
+Value labelFrom(const ScriptValue& value, std::string_view parameter);
+/// The keys of a list of labels; refuses other items.
+std::vector<Value> labelsFrom(const ScriptValue& list, std::string_view parameter);
 /// The keys of an argument that is declared as a list; refuses its absence.
 std::vector<Value> labelsArgument(const core::Arguments& arguments, std::string_view key);
 

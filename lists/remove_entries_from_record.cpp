@@ -15,29 +15,25 @@ namespace skerrow::lists {
 namespace {
 
 class SKWRemoveEntriesFromRecord final : public core::Command {
-  void check() override {
-    requireList(directParameter());
-    for (const ScriptValue& label : directParameter()->items()) {
-      labels_.insert(labelFrom(label, kDirectParameter));
-    }
-    records_ = recordsArgument(evaluatedArguments(), "inRecords");
-  }
+  void check() override { requireList(directParameter()); }
 
   std::optional<Value> compute() override {
+    ValueSet labels;
+    for (Value& label : labelsFrom(*directParameter(), kDirectParameter)) {
+      labels.insert(std::move(label));
+    }
+    const auto records = recordsArgument(evaluatedArguments(), "inRecords");
     std::vector<Value> results;
-    results.reserve(records_.size());
-    for (const Record& record : records_) {
+    results.reserve(records.size());
+    for (const Record& record : records) {
       Record rest;
       for (const Record::Field& field : record.fields()) {
-        if (!labels_.contains(field.key)) rest.set(field.key, field.value);
+        if (!labels.contains(field.key)) rest.set(field.key, field.value);
       }
       results.emplace_back(std::move(rest));
     }
     return results;
   }
-
-  ValueSet labels_;
-  std::vector<Record> records_;
 };
 
 }  // namespace

@@ -31,14 +31,14 @@ class SKWValueForLabel final : public core::Command {
   void check() override {
     if (!directParameter()) refuseMissing(kDirectParameter, "a label");
     label_ = labelFrom(*directParameter(), kDirectParameter);
-    records_ = recordsArgument(evaluatedArguments(), "inRecords");
     isRecursive_ = evaluatedArguments().isSet("doRecursion");
   }
 
   std::optional<Value> compute() override {
+    auto records = recordsArgument(evaluatedArguments(), "inRecords");
     Items values;
-    values.reserve(records_.size());
-    for (Record& record : records_) {
+    values.reserve(records.size());
+    for (Record& record : records) {
       if (isRecursive_) {
         Items found;
         lookForKey(label_, std::move(record), found);
@@ -52,7 +52,6 @@ class SKWValueForLabel final : public core::Command {
   }
 
   Value label_;
-  std::vector<Record> records_;
   bool isRecursive_ = false;
 };
 

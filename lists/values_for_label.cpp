@@ -16,21 +16,17 @@ namespace {
 using Items = std::vector<Value>;
 
 class SKWValuesForLabel final : public core::Command {
-  void check() override {
-    requireList(directParameter());
-    for (const ScriptValue& label : directParameter()->items()) {
-      labels_.push_back(labelFrom(label, kDirectParameter));
-    }
-    records_ = recordsArgument(evaluatedArguments(), "inRecords");
-  }
+  void check() override { requireList(directParameter()); }
 
   std::optional<Value> compute() override {
+    const Items labels = labelsFrom(*directParameter(), kDirectParameter);
+    const auto records = recordsArgument(evaluatedArguments(), "inRecords");
     Items rows;
-    rows.reserve(records_.size());
-    for (const Record& record : records_) {
+    rows.reserve(records.size());
+    for (const Record& record : records) {
       Items row;
-      row.reserve(labels_.size());
-      for (const Value& label : labels_) {
+      row.reserve(labels.size());
+      for (const Value& label : labels) {
         const Value* value = record.find(label);
         row.push_back(value == nullptr ? Value() : *value);
       }
@@ -38,9 +34,6 @@ class SKWValuesForLabel final : public core::Command {
     }
     return rows;
   }
-
-  Items labels_;
-  std::vector<Record> records_;
 };
 
 }  // namespace
