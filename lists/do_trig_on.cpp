@@ -35,10 +35,9 @@ struct NamedFunction {
 };
 
 constexpr NamedFunction kFunctions[] = {
-    {u"sin", std::sin},     {u"cos", std::cos},     {u"tan", std::tan},
-    {u"asin", std::asin},   {u"acos", std::acos},   {u"atan", std::atan},
-    {u"sinh", std::sinh},   {u"cosh", std::cosh},   {u"tanh", std::tanh},
-    {u"asinh", std::asinh}, {u"acosh", std::acosh}, {u"atanh", std::atanh},
+    {u"sin", std::sin},   {u"cos", std::cos},     {u"tan", std::tan},     {u"asin", std::asin},
+    {u"acos", std::acos}, {u"atan", std::atan},   {u"sinh", std::sinh},   {u"cosh", std::cosh},
+    {u"tanh", std::tanh}, {u"asinh", std::asinh}, {u"acosh", std::acosh}, {u"atanh", std::atanh},
 };
 
 // A text counts as the number that it spells.

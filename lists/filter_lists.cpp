@@ -40,8 +40,7 @@ constexpr ErrorEntry kNeitherTextNorPair = {
 constexpr ErrorEntry kFilteringFailed = {1166, "%@"};
 constexpr ErrorEntry kBadPredicate = {1167, "%@"};
 constexpr ErrorEntry kEmptyPredicate = {
-    1168,
-    "Invalid predicate; format should be either predString *or* {predString, listOfArgs}."};
+    1168, "Invalid predicate; format should be either predString *or* {predString, listOfArgs}."};
 constexpr ErrorEntry kNeedsArguments = {1169,
                                         "Invalid predicate; '%@' implies the use of arguments, so "
                                         "it should be in a list along with a list of arguments."};

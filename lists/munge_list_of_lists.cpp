@@ -79,7 +79,7 @@ class SKWMungeListOfLists final : public core::Command {
     Items unpacked;
     unpacked.reserve(direct.items().size());
     for (const ScriptValue& item : direct.items()) {
-      unpacked.push_back(isUnique_          ? core::unpack(item).value_or(Value())
+      unpacked.push_back(isUnique_         ? core::unpack(item).value_or(Value())
                          : item.hasItems() ? core::unpackListShallow(item)
                                            : Value());
       if (!unpacked.back().isList()) throw ScriptError(kNotAList);

@@ -21,8 +21,8 @@ constexpr core::ErrorEntry kLookupFailed = {1282, "%@"};
 
 class SKWValueForKeyPathCommand final : public core::Command {
   void check() override {
-    const auto path = directParameter() ? core::textFromScriptValue(*directParameter())
-                                        : std::nullopt;
+    const auto path =
+        directParameter() ? core::textFromScriptValue(*directParameter()) : std::nullopt;
     if (!directParameter()) refuseMissing(kDirectParameter, "a text");
     if (!path) refuseKind(kDirectParameter, "a text", *directParameter());
     if (path->view().find(u' ') != std::u16string_view::npos) throw core::ScriptError(kSpaceInPath);
