@@ -61,10 +61,12 @@ class SKWMungeRecords final : public core::Command {
     const auto comparison = comparisonFromCode(option_);
     const auto isText = [](const Key& key) { return key.kind == SortKind::text; };
     if (!comparison && std::ranges::any_of(keys, isText)) throw ScriptError(kUnknownOption);
-    if (std::ranges::any_of(keys, &Key::isUnsortable)) throw ScriptError(kUnsortable);
+    // Lists and the like cannot be compared; one alone need not be.
+    const auto isUnsortable = [](const Key& key) { return key.hasOthers && key.presentCount > 1; };
+    if (std::ranges::any_of(keys, isUnsortable)) throw ScriptError(kUnsortable);
     SortCriteria criteria(records.size());
     for (std::size_t i = 0; i < keys.size(); ++i) {
-      criteria.add(keys[i].values, keys[i].kind,
+      criteria.add(keys[i].values, keys[i].hasOthers ? SortKind::other : keys[i].kind,
                    comparison.value_or(foundation::TextComparison::sortPlain), directions_[i]);
     }
     return inOrder(std::move(records), criteria.positions());
@@ -74,7 +76,8 @@ class SKWMungeRecords final : public core::Command {
   struct Key {
     std::vector<const Value*> values;
     SortKind kind = SortKind::text;
-    bool isUnsortable = false;  // lists and the like cannot be compared
+    std::size_t presentCount = 0;
+    bool hasOthers = false;
   };
 
   static Key keyFrom(const Items& records, const Value& label) {
@@ -83,22 +86,19 @@ class SKWMungeRecords final : public core::Command {
     bool hasTexts = false;
     bool hasNumbers = false;
     bool hasDates = false;
-    bool hasOthers = false;
-    std::size_t present = 0;
     for (const Value& record : records) {
       const Value* value = record.record().find(label);
       if (value != nullptr && value->isNull()) value = nullptr;
       key.values.push_back(value);
       if (value == nullptr) continue;
-      ++present;
+      ++key.presentCount;
       const SortKind kind = sortKindOf(*value);
       hasTexts = hasTexts || kind == SortKind::text;
       hasNumbers = hasNumbers || kind == SortKind::number;
       hasDates = hasDates || kind == SortKind::date;
-      hasOthers = hasOthers || kind == SortKind::other;
+      key.hasOthers = key.hasOthers || kind == SortKind::other;
     }
     if (hasTexts + hasNumbers + hasDates > 1) throw ScriptError(kSeveralClasses);
-    key.isUnsortable = hasOthers && present > 1;
     key.kind = hasDates ? SortKind::date : hasNumbers ? SortKind::number : SortKind::text;
     return key;
   }
