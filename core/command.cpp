@@ -78,6 +78,7 @@ std::optional<Value> Command::performDefaultImplementation() {
     context().delegate.invalidateQuitTimer();
   }
   check();
+  if (immediateResult_) return std::exchange(immediateResult_, std::nullopt);
   suspendExecution();
   OperationQueue queue(context().pool);
   queue.addOperation([self = shared_from_this()] { self->runTask(); });

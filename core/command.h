@@ -100,6 +100,9 @@ class Command : public std::enable_shared_from_this<Command> {
   /// Reads the arguments and runs the checks that need no work.
   virtual void check() {}
 
+  /// For `check`: this is the result, and there is no work to do.
+  void answerAtOnce(Value result) { immediateResult_ = std::move(result); }
+
   /// The work, on a worker thread. Nothing is a result too.
   virtual std::optional<Value> compute() = 0;
 
@@ -151,7 +154,11 @@ class Command : public std::enable_shared_from_this<Command> {
   const CommandContext* context_ = nullptr;
   ReplyReceiver receiver_;
   CancelToken cancelToken_;
+<<<<<<< HEAD
   std::vector<std::vector<Value>> discarded_;
+=======
+  std::optional<Value> immediateResult_;
+>>>>>>> lists-family
   std::optional<ScriptError> scriptError_;
   std::atomic<State> state_ = State::created;
 };

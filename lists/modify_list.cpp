@@ -12,6 +12,7 @@
 
 #include "core/pack.h"
 #include "core/unpack.h"
+#include "lists/distinct.h"
 #include "values/script_value.h"
 #include "values/value_index.h"
 
@@ -210,39 +211,30 @@ ValueSet setOf(std::span<const Value> items) {
 
 // Keeps the first of equal items, if `isWanted`, in their order.
 template <class IsWanted>
-void keepDistinct(Items& list, const Givens& givens, IsWanted&& isWanted) {
+void keepDistinctWhere(Items& list, const Givens& givens, IsWanted&& isWanted) {
   Items contents;  // what items are compared by, where it is not the items themselves
   if (std::ranges::any_of(list, holdsRaw)) {
     contents.reserve(list.size());
     for (const Value& item : list) contents.push_back(wholeContent(item));
   }
-  Items& compared = contents.empty() ? list : contents;
-  Items kept;
-  Items keptContents;
-  const Items& known = contents.empty() ? kept : keptContents;
-  ValueIndex index;
-  index.findOrInsertAll(
-      compared, [&known](std::size_t i) -> const Value& { return known[i]; },
-      [&](std::size_t i) { return isWanted(compared[i]); },
-      [&](std::size_t i) {
-        kept.push_back(std::move(list[i]));
-        if (!contents.empty()) keptContents.push_back(std::move(contents[i]));
-      });
+  const Items& compared = contents.empty() ? list : contents;
+  Items kept = takeDistinct(list, contents,
+                            [&](std::size_t position) { return isWanted(compared[position]); });
   givens.discard(std::exchange(list, std::move(kept)));
 }
 
 void intersect(Items& list, const Givens& givens) {
   const ValueSet others = setOf(givens.argument.items());
-  keepDistinct(list, givens, [&others](const Value& item) { return others.contains(item); });
+  keepDistinctWhere(list, givens, [&others](const Value& item) { return others.contains(item); });
 }
 
 void makeUnique(Items& list, const Givens& givens) {
-  keepDistinct(list, givens, [](const Value& /*item*/) { return true; });
+  keepDistinctWhere(list, givens, [](const Value& /*item*/) { return true; });
 }
 
 void subtract(Items& list, const Givens& givens) {
   const ValueSet others = setOf(givens.argument.items());
-  keepDistinct(list, givens, [&others](const Value& item) { return !others.contains(item); });
+  keepDistinctWhere(list, givens, [&others](const Value& item) { return !others.contains(item); });
 }
 
 void merge(Items& list, const Givens& givens) {

@@ -138,9 +138,13 @@ class ValueSet {
     insertAll(values, [](std::size_t /*i*/, bool /*isNew*/) {});
   }
 
-  [[nodiscard]] bool contains(const Value& value) const {
-    return index_.find(value, at()) != ValueIndex::kNone;
-  }
+  static constexpr std::size_t kNone = ValueIndex::kNone;
+
+  /// The values in the order of their insertion.
+  [[nodiscard]] const std::vector<Value>& values() const noexcept { return values_; }
+  /// How many values were inserted before an equal one; kNone when it is not here.
+  [[nodiscard]] std::size_t position(const Value& value) const { return index_.find(value, at()); }
+  [[nodiscard]] bool contains(const Value& value) const { return position(value) != kNone; }
 
  private:
   struct At {

@@ -1,0 +1,45 @@
+#pragma once
+// What the commands of this room take in: lists, records and labels, checked for
+// their kinds. A value of the wrong kind, where a command has no failure of its
+// own for it, is refused with -1700 and a message that names the parameter.
+
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "core/command.h"
+#include "values/record.h"
+#include "values/script_value.h"
+#include "values/value.h"
+
+namespace skerrow::lists {
+
+/// How messages name the direct parameter.
+inline constexpr std::string_view kDirectParameter = "direct parameter";
+
+/// Throws ScriptError -1700: "The direct parameter must be a list, not a text."
+[[noreturn]] void refuseKind(std::string_view parameter, std::string_view needed,
+                             const ScriptValue& given);
+[[noreturn]] void refuseMissing(std::string_view parameter, std::string_view needed);
+
+/// Refuses a direct parameter that is no list.
+void requireList(const std::optional<ScriptValue>& direct);
+
+/// The record that a value unpacks to; refuses any other value.
+Record recordFrom(const ScriptValue& value, std::string_view parameter);
+/// An argument that is declared as a record; refuses its absence.
+Record recordArgument(const core::Arguments& arguments, std::string_view key);
+
+/// The records of an argument that is declared as a list; refuses its absence and
+/// other items.
+std::vector<Record> recordsArgument(const core::Arguments& arguments, std::string_view key);
+
+/// The key that a label names in records: its text, or for the name of a class or
+/// property its code between « and ». Refuses anything else.
+Value labelFrom(const ScriptValue& value, std::string_view parameter);
+/// The keys of a list of labels; refuses other items.
+std::vector<Value> labelsFrom(const ScriptValue& list, std::string_view parameter);
+/// The keys of an argument that is declared as a list; refuses its absence.
+std::vector<Value> labelsArgument(const core::Arguments& arguments, std::string_view key);
+
+}  // namespace skerrow::lists

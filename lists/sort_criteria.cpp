@@ -1,0 +1,135 @@
+#include "lists/sort_criteria.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+#include <string_view>
+#include <utility>
+
+#include "core/unpack.h"
+#include "foundation/value_order.h"
+
+namespace skerrow::lists {
+
+using foundation::SortDirection;
+using foundation::TextComparison;
+
+namespace {
+
+constexpr std::uint32_t kFirstOption = 0x61E56531;  // sortPlain, and on from there
+
+// Dense ranks of values that are there, by their plain order.
+std::vector<std::uint32_t> plainRanks(const std::vector<const Value*>& values) {
+  std::vector<std::uint32_t> order(values.size());
+  std::iota(order.begin(), order.end(), 0U);
+  const auto isLess = [&values](std::uint32_t a, std::uint32_t b) {
+    return plainOrder(*values[a], *values[b]) < 0;
+  };
+  std::ranges::sort(order, isLess);
+  std::vector<std::uint32_t> ranks(values.size());
+  std::uint32_t rank = 0;
+  for (std::size_t i = 0; i < order.size(); ++i) {
+    if (i > 0 && isLess(order[i - 1], order[i])) ++rank;
+    ranks[order[i]] = rank;
+  }
+  return ranks;
+}
+
+std::vector<std::uint32_t> textRanks(const std::vector<const Value*>& values,
+                                     TextComparison comparison) {
+  std::vector<std::u16string_view> texts;
+  texts.reserve(values.size());
+  for (const Value* value : values) texts.push_back(value->text());
+  return foundation::sortRanks(texts, foundation::TextComparator(comparison));
+}
+
+}  // namespace
+
+std::optional<TextComparison> comparisonFromCode(std::uint32_t code) {
+  const std::uint32_t place = code - kFirstOption;
+  if (place > static_cast<std::uint32_t>(TextComparison::sortLocalizedStandard)) {
+    return std::nullopt;
+  }
+  return static_cast<TextComparison>(place);
+}
+
+std::uint32_t sortingOption(const core::Arguments& arguments) {
+  const auto code = arguments.integer("listMungeOption");
+  return code ? static_cast<std::uint32_t>(*code) : kStandardOption;
+}
+
+std::vector<SortDirection> sortDirections(const core::Arguments& arguments, std::size_t count) {
+  std::vector<SortDirection> directions;
+  if (const Value* given = arguments.find("sortDirection")) {
+    for (const Value& one : given->items()) {
+      const auto number = core::numberFromScriptValue(one.raw());
+      directions.push_back(number && number->isNonZero() ? SortDirection::ascending
+                                                         : SortDirection::descending);
+    }
+  }
+  directions.resize(count, directions.empty() ? SortDirection::ascending : directions.back());
+  return directions;
+}
+
+SortKind sortKindOf(const Value& value) {
+  switch (value.kind()) {
+    case Kind::number:
+      return SortKind::number;
+    case Kind::text:
+      return SortKind::text;
+    case Kind::date:
+      return SortKind::date;
+    default:
+      return SortKind::other;
+  }
+}
+
+std::weak_ordering plainOrder(const Value& a, const Value& b) noexcept {
+  const std::partial_ordering order = foundation::compareValues(a, b);
+  if (order < 0) return std::weak_ordering::less;
+  if (order > 0) return std::weak_ordering::greater;
+  if (order == 0) return std::weak_ordering::equivalent;
+  const auto isNumber = [](const Value& value) {
+    return !value.isNumber() || !std::isnan(value.number().asReal());
+  };
+  return isNumber(a) <=> isNumber(b);
+}
+
+void SortCriteria::add(const std::vector<const Value*>& values, SortKind kind,
+                       TextComparison comparison, SortDirection direction) {
+  std::vector<const Value*> present;
+  present.reserve(values.size());
+  std::ranges::copy_if(values, std::back_inserter(present),
+                       [](const Value* value) { return value != nullptr; });
+  const std::vector<std::uint32_t> presentRanks =
+      kind == SortKind::text ? textRanks(present, comparison) : plainRanks(present);
+  std::vector<std::uint32_t> ranks(itemCount_, 0);
+  std::size_t next = 0;
+  for (std::size_t i = 0; i < itemCount_; ++i) {
+    if (values[i] != nullptr) ranks[i] = presentRanks[next++] + 1;
+  }
+  criteria_.push_back({std::move(ranks), direction});
+}
+
+std::vector<std::uint32_t> SortCriteria::positions() const {
+  std::vector<std::uint32_t> order(itemCount_);
+  std::iota(order.begin(), order.end(), 0U);
+  std::ranges::stable_sort(order, [this](std::uint32_t a, std::uint32_t b) {
+    for (const Criterion& criterion : criteria_) {
+      if (criterion.ranks[a] == criterion.ranks[b]) continue;
+      return (criterion.ranks[a] < criterion.ranks[b]) ==
+             (criterion.direction == SortDirection::ascending);
+    }
+    return false;
+  });
+  return order;
+}
+
+std::vector<Value> inOrder(std::vector<Value> items, const std::vector<std::uint32_t>& positions) {
+  std::vector<Value> ordered;
+  ordered.reserve(items.size());
+  for (const std::uint32_t position : positions) ordered.push_back(std::move(items[position]));
+  return ordered;
+}
+
+}  // namespace skerrow::lists

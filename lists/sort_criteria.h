@@ -1,0 +1,67 @@
+#pragma once
+// Sorting by several keys, as the sorting commands of this room share it: the
+// options' codes, the directions, and criteria of which the first decides and
+// each later one breaks the ties of those before it. Sorts are stable.
+
+#include <compare>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "core/command.h"
+#include "foundation/text_comparison.h"
+#include "foundation/text_sort.h"
+#include "values/value.h"
+
+namespace skerrow::lists {
+
+/// The code of the sorting option that is used unless another is given.
+inline constexpr std::uint32_t kStandardOption = 0x61E56534;
+
+/// The comparison that a sorting option's code stands for; nothing for other codes.
+std::optional<foundation::TextComparison> comparisonFromCode(std::uint32_t code);
+
+/// The code given as `listMungeOption`, or the standard one.
+std::uint32_t sortingOption(const core::Arguments& arguments);
+
+/// Directions for `count` keys from `sortDirection`: the last one given serves for
+/// the keys that have none of their own; ascending unless given.
+std::vector<foundation::SortDirection> sortDirections(const core::Arguments& arguments,
+                                                      std::size_t count);
+
+/// The kinds of values that can be sorted by, in the order in which lists of
+/// several kinds are sorted.
+enum class SortKind : std::uint8_t { number, text, date, other };
+SortKind sortKindOf(const Value& value);
+
+/// The plain order of two values of one kind. What is no number, such as the root
+/// of -1, comes before all numbers; values that have no order are equivalent.
+std::weak_ordering plainOrder(const Value& a, const Value& b) noexcept;
+
+class SortCriteria {
+ public:
+  explicit SortCriteria(std::size_t itemCount) : itemCount_(itemCount) {}
+
+  /// Adds a key with one value an item, all of one kind; null stands for an item
+  /// without a value, which comes first when ascending. The values stay where they are.
+  void add(const std::vector<const Value*>& values, SortKind kind,
+           foundation::TextComparison comparison, foundation::SortDirection direction);
+
+  /// The positions of the items in sorted order.
+  [[nodiscard]] std::vector<std::uint32_t> positions() const;
+
+ private:
+  struct Criterion {
+    std::vector<std::uint32_t> ranks;  // 0 for an item without a value
+    foundation::SortDirection direction;
+  };
+
+  std::size_t itemCount_;
+  std::vector<Criterion> criteria_;
+};
+
+/// The items in the order of these positions.
+std::vector<Value> inOrder(std::vector<Value> items, const std::vector<std::uint32_t>& positions);
+
+}  // namespace skerrow::lists

@@ -1,0 +1,58 @@
+// SKWValueForKeyPathCommand: the value that a key path finds in an item.
+
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "core/command.h"
+#include "core/script_error.h"
+#include "core/unpack.h"
+#include "foundation/key_path.h"
+#include "lists/list_input.h"
+
+namespace skerrow::lists {
+
+namespace {
+
+constexpr core::ErrorEntry kSpaceInPath = {1281, "A keyPath cannot contain a space character."};
+constexpr core::ErrorEntry kLookupFailed = {1282, "%@"};
+
+class SKWValueForKeyPathCommand final : public core::Command {
+  void check() override {
+    const auto path =
+        directParameter() ? core::textFromScriptValue(*directParameter()) : std::nullopt;
+    if (!directParameter()) refuseMissing(kDirectParameter, "a text");
+    if (!path) refuseKind(kDirectParameter, "a text", *directParameter());
+    if (path->view().find(u' ') != std::u16string_view::npos) throw core::ScriptError(kSpaceInPath);
+    path_ = *path;
+    const Value* item = evaluatedArguments().find("ofItem");
+    if (item == nullptr) refuseMissing("ofItem", "the value to look in");
+    item_ = item->raw();
+  }
+
+  std::optional<Value> compute() override {
+    const Value item = core::unpack(std::move(item_)).value_or(Value());
+    try {
+      return foundation::KeyPath(path_.view()).valueIn(item);
+    } catch (const foundation::KeyPathError& error) {
+      throw core::ScriptError(kLookupFailed, error.reason());
+    }
+  }
+
+  Text path_;
+  ScriptValue item_;
+};
+
+}  // namespace
+
+}  // namespace skerrow::lists
+
+namespace skerrow {
+
+std::unique_ptr<core::Command> createSKWValueForKeyPathCommand() {
+  return std::make_unique<lists::SKWValueForKeyPathCommand>();
+}
+
+}  // namespace skerrow
