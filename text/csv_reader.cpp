@@ -54,14 +54,17 @@ class Rows {
   Items rows_;
 };
 
-// A field while it is read: a run of the text itself as long as one run is all that
-// it holds, which nearly every field is, and else the runs joined.
+// A field while it is read: one run of the table's text as long as its runs lie side
+// by side, which they nearly always do, and else the runs joined.
 class Field {
  public:
   void append(std::u16string_view run) {
+    if (run.empty()) return;
     if (run_.empty()) {
       run_ = run;
-    } else if (!run.empty()) {
+    } else if (joined_.empty() && run.data() == run_.data() + run_.size()) {
+      run_ = {run_.data(), run_.size() + run.size()};
+    } else {
       if (joined_.empty()) joined_ = run_;
       joined_ += run;
     }

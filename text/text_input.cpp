@@ -60,6 +60,8 @@ void requireTextOrList(const std::optional<ScriptValue>& direct, const ErrorEntr
   }
 }
 
+bool isEmptyList(const ScriptValue& value) { return isList(value) && value.items().empty(); }
+
 Value convertTextOrTexts(const ScriptValue& textOrList, const ErrorEntry& otherwise,
                          const core::CancelToken& cancelToken,
                          const std::function<Value(const Text&)>& convert) {

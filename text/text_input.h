@@ -36,6 +36,8 @@ std::optional<Value> mapTexts(const ScriptValue& given, const TextMapping& mappi
 /// Throws the error for anything but a text or a list.
 void requireTextOrList(const std::optional<ScriptValue>& direct, const core::ErrorEntry& otherwise);
 
+[[nodiscard]] bool isEmptyList(const ScriptValue& value);
+
 /// The conversion of a text, or the list of the conversions of a list's items.
 /// Throws the error for an item that is no text.
 Value convertTextOrTexts(const ScriptValue& textOrList, const core::ErrorEntry& otherwise,

@@ -1,0 +1,218 @@
+// SKWMungeText: applies modifications, one after another in the order in which the
+// script lists them, to a text, to the texts of a list or to the text of a file. Two
+// of them make a table of the text and end the chain.
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "core/command.h"
+#include "core/script_error.h"
+#include "core/unpack.h"
+#include "foundation/case_mapping.h"
+#include "foundation/character_sets.h"
+#include "foundation/entity_escape.h"
+#include "foundation/md5.h"
+#include "foundation/percent_escape.h"
+#include "foundation/posix_path.h"
+#include "foundation/text_encoding.h"
+#include "foundation/transliteration.h"
+#include "text/csv_reader.h"
+#include "text/pattern_replacement.h"
+#include "text/quote_curling.h"
+#include "text/regex_service.h"
+#include "text/space_tidying.h"
+#include "text/text_input.h"
+#include "text/working_text.h"
+
+namespace skerrow::text {
+
+namespace {
+
+using core::ErrorEntry;
+using core::ScriptError;
+using foundation::ReservedCharacters;
+using foundation::Transliterator;
+
+constexpr ErrorEntry kTooLong = {1021, "The text can't be padded to %ld characters."};
+constexpr ErrorEntry kNotDecimal = {1021, "Conversion failed, reason unknown."};
+constexpr ErrorEntry kNotHexadecimal = {1022, "Conversion failed, reason unknown."};
+constexpr ErrorEntry kNotDecoded = {1023, "Conversion failed, reason unknown."};
+constexpr ErrorEntry kNoTransform = {1024, "No 'ICU transform' parameter specified."};
+constexpr ErrorEntry kBadTransform = {1025, "ICU transform failed. Invalid transform specified?"};
+constexpr int kUnreadableFile = 1026;
+
+// Every character outside U+0020 to U+007E, line ends among them.
+constexpr std::u16string_view kToDecimal = u"[^\\x20-\\x7e]-Hex/XML10";
+constexpr std::u16string_view kToHexadecimal = u"[^\\x20-\\x7e]-Hex/XML";
+constexpr std::u16string_view kFromHexadecimal = u"Hex-Any";
+
+constexpr PatternReplacement kBlankLines = {u"(?m)^[ \t]*[\r\n]", u""};
+constexpr PatternReplacement kLastBlankLine = {u"[\r\n][ \t]*$", u""};
+
+constexpr std::uint32_t kDefaultPadLength = 20;
+// What padding may add for one command, over all its texts.
+constexpr std::size_t kMostPadding = std::size_t{1} << 28U;
+
+constexpr std::uint32_t kParseCsv = 0x62E56563;
+constexpr std::uint32_t kParseTsv = 0x62E5656B;
+
+class SKWMungeText final : public core::Command {
+  using Text16 = std::u16string;
+  using Changed = std::optional<std::u16string>;
+
+  // A change of the text; false when nothing comes of it.
+  using Effect = bool (SKWMungeText::*)(WorkingText&);
+  struct Modification {
+    std::uint32_t code;
+    Effect effect;  // null for those that make a table
+  };
+  static const Modification kModifications[];
+
+  void check() override {
+    if (!directParameter()) {
+      refuse(kDirectParameter, "a text, a list or a file", std::nullopt);
+    }
+    const core::Arguments& arguments = evaluatedArguments();
+    if (const Value* options = arguments.find("stringMungeOption")) readOptions(*options);
+    if (const auto given = textArgument(arguments.find("padString"))) padString_ = *given;
+    if (const auto given = arguments.integer("padLength")) {
+      padLength_ = static_cast<std::uint32_t>(*given);
+    }
+    isTransformInverse_ = arguments.isSet("transformInverse");
+    transformName_ = textArgument(arguments.find("transformName"));
+    service_ = sharedRegexService(context());
+  }
+
+  // Codes that mean nothing are left out.
+  void readOptions(const Value& options) {
+    for (const Value& item : options.items()) {
+      const std::uint32_t code = codeOf(item.raw());
+      const auto* const found = std::ranges::find(kModifications, code, &Modification::code);
+      if (found != std::end(kModifications)) modOptions_.push_back(found);
+    }
+  }
+
+  static std::uint32_t codeOf(const ScriptValue& given) {
+    if (const auto number = core::numberFromScriptValue(given)) {
+      return static_cast<std::uint32_t>(number->asUnsigned());
+    }
+    return given.plain<std::uint32_t>().value_or(0);
+  }
+
+  std::optional<Value> compute() override { return mungeTextWithin(*takeDirectParameter()); }
+
+  [[nodiscard]] std::optional<Value> mungeTextWithin(const ScriptValue& value) {
+    return mapTexts(value, {.convert = [this](const Text& text) { return mungeTheText(text); },
+                            .textFromFile =
+                                [](const ScriptValue& file) {
+                                  return textOfFile(file, kUnreadableFile);
+                                },
+                            .cancelToken = cancelToken()});
+  }
+
+  [[nodiscard]] std::optional<Value> mungeTheText(const Text& given) {
+    WorkingText text(given);
+    for (const Modification* modification : modOptions_) {
+      cancelToken().throwIfCancelled();
+      if (modification->code == kParseCsv) return parseCSVIn(text.view(), cancelToken());
+      if (modification->code == kParseTsv) return parseTSVIn(text.view(), cancelToken());
+      if (!(this->*modification->effect)(text)) return std::nullopt;
+    }
+    return text.text();
+  }
+
+  // The modifications.
+
+  template <std::u16string (*kConvert)(std::u16string_view)>
+  bool convert(WorkingText& text) {
+    text = kConvert(text.view());
+    return true;
+  }
+
+  template <void (*kChange)(std::u16string&)>
+  bool change(WorkingText& text) {
+    kChange(text.units());
+    return true;
+  }
+
+  bool trimWhitespace(WorkingText& text) {
+    const foundation::UnitRange kept = foundation::trimmedRange(text.view());
+    if (kept.length == text.view().size()) return true;
+    text = Text(kept.of(text.view()));
+    return true;
+  }
+
+  bool padToLength(WorkingText& text) {
+    std::u16string& units = text.units();
+    const std::u16string_view pad = padString_.view();
+    if (units.size() >= padLength_) {
+      units.resize(padLength_);
+    } else if (!pad.empty()) {
+      padding_ += padLength_ - units.size();
+      if (padding_ > kMostPadding) throw ScriptError(kTooLong, padLength_);
+      units.reserve(padLength_);
+      while (padLength_ - units.size() > pad.size()) units += pad;
+      units += pad.substr(0, padLength_ - units.size());
+    }
+    return true;
+  }
+
+  template <ReservedCharacters kReserved>
+  bool encodeURL(WorkingText& text) {
+    return take(text, foundation::percentEscaped(text.view(), kReserved));
+  }
+
+  bool decodeURL(WorkingText& text) {
+    return take(text, foundation::percentUnescaped(text.view()));
+  }
+
+  static bool take(WorkingText& text, std::optional<std::u16string> result) {
+    if (result) text = std::move(*result);
+    return result.has_value();
+  }
+
+  bool md5Digest(WorkingText& text) {
+    const std::string digest = foundation::md5Digest(foundation::utf8FromUtf16(text.view()));
+    text = std::u16string(digest.begin(), digest.end());
+    return true;
+  }
+
+  bool collapseSpaces(WorkingText& text) {
+    removeSpacesAtLineEdges(text.units());
+    collapseSpaceRuns(text.units());
+    return true;
+  }
+
+  bool removeBlankLines(WorkingText& text) {
+    replaceMatchesIn(text, kBlankLines, *service_, cancelToken());
+    replaceMatchesIn(text, kLastBlankLine, *service_, cancelToken());
+    return true;
+  }
+
+  std::vector<const Modification*> modOptions_;
+  Text padString_{u" "};
+  std::uint32_t padLength_ = kDefaultPadLength;
+  std::size_t padding_ = 0;
+  bool isTransformInverse_ = false;
+  std::optional<Text> transformName_;
+  std::shared_ptr<RegexService> service_;
+};
+
+}  // namespace
+
+}  // namespace skerrow::text
+
+namespace skerrow {
+
+std::unique_ptr<core::Command> createSKWMungeText() {
+  return std::make_unique<text::SKWMungeText>();
+}
+
+}  // namespace skerrow
