@@ -95,10 +95,7 @@ class SKWCleanString final : public core::Command {
     return mapTexts(value, {.convert = [this](const Text& text) -> std::optional<Value> {
                               return cleanTheText(text);
                             },
-                            .textFromFile =
-                                [](const ScriptValue& file) {
-                                  return textOfFile(file, kUnreadableFile);
-                                },
+                            .textFromFile = readingFiles(kUnreadableFile),
                             .cancelToken = cancelToken()});
   }
 

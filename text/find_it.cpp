@@ -132,10 +132,7 @@ class SKWFindIt final : public core::Command {
                                   return service_->stringByReplacingOccurrencesOfRegex(
                                       text, pattern_, *replacement_, call_);
                                 },
-                                .textFromFile =
-                                    [](const ScriptValue& file) {
-                                      return textOfFile(file, kUnreadableFile);
-                                    },
+                                .textFromFile = readingFiles(kUnreadableFile),
                                 .cancelToken = cancelToken()});
   }
 

@@ -101,9 +101,8 @@ class SKWJoinStrings final : public core::Command {
     columns.reserve(width);
     for (std::size_t column = 0; column < width; ++column) {
       cancelToken().throwIfCancelled();
-      columns.push_back(joinedTexts(lists.size(), [&](std::size_t i) -> const Value& {
-        return lists[i].items()[column];
-      }));
+      columns.push_back(joinedTexts(
+          lists.size(), [&](std::size_t i) -> const Value& { return lists[i].items()[column]; }));
     }
     return columns;
   }

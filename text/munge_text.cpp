@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -38,7 +40,7 @@ namespace {
 using core::ErrorEntry;
 using core::ScriptError;
 using foundation::ReservedCharacters;
-using foundation::Transliterator;
+using foundation::Transliteration;
 
 constexpr ErrorEntry kTooLong = {1021, "The text can't be padded to %ld characters."};
 constexpr ErrorEntry kNotDecimal = {1021, "Conversion failed, reason unknown."};
@@ -48,10 +50,14 @@ constexpr ErrorEntry kNoTransform = {1024, "No 'ICU transform' parameter specifi
 constexpr ErrorEntry kBadTransform = {1025, "ICU transform failed. Invalid transform specified?"};
 constexpr int kUnreadableFile = 1026;
 
-// Every character outside U+0020 to U+007E, line ends among them.
-constexpr std::u16string_view kToDecimal = u"[^\\x20-\\x7e]-Hex/XML10";
-constexpr std::u16string_view kToHexadecimal = u"[^\\x20-\\x7e]-Hex/XML";
-constexpr std::u16string_view kFromHexadecimal = u"Hex-Any";
+struct FixedTransform {
+  std::u16string_view identifier;
+  ErrorEntry failure;
+};
+// The first two change all but U+0020 to U+007E, and so line ends too.
+constexpr FixedTransform kToDecimal = {u"[^\\x20-\\x7e]-Hex/XML10", kNotDecimal};
+constexpr FixedTransform kToHexadecimal = {u"[^\\x20-\\x7e]-Hex/XML", kNotHexadecimal};
+constexpr FixedTransform kFromHexadecimal = {u"Hex-Any", kNotDecoded};
 
 constexpr PatternReplacement kBlankLines = {u"(?m)^[ \t]*[\r\n]", u""};
 constexpr PatternReplacement kLastBlankLine = {u"[\r\n][ \t]*$", u""};
@@ -64,16 +70,13 @@ constexpr std::uint32_t kParseCsv = 0x62E56563;
 constexpr std::uint32_t kParseTsv = 0x62E5656B;
 
 class SKWMungeText final : public core::Command {
-  using Text16 = std::u16string;
-  using Changed = std::optional<std::u16string>;
-
   // A change of the text; false when nothing comes of it.
   using Effect = bool (SKWMungeText::*)(WorkingText&);
   struct Modification {
     std::uint32_t code;
     Effect effect;  // null for those that make a table
   };
-  static const Modification kModifications[];
+  static std::span<const Modification> modifications();
 
   void check() override {
     if (!directParameter()) {
@@ -94,8 +97,8 @@ class SKWMungeText final : public core::Command {
   void readOptions(const Value& options) {
     for (const Value& item : options.items()) {
       const std::uint32_t code = codeOf(item.raw());
-      const auto* const found = std::ranges::find(kModifications, code, &Modification::code);
-      if (found != std::end(kModifications)) modOptions_.push_back(found);
+      const auto found = std::ranges::find(modifications(), code, &Modification::code);
+      if (found != modifications().end()) modOptions_.push_back(*found);
     }
   }
 
@@ -110,20 +113,17 @@ class SKWMungeText final : public core::Command {
 
   [[nodiscard]] std::optional<Value> mungeTextWithin(const ScriptValue& value) {
     return mapTexts(value, {.convert = [this](const Text& text) { return mungeTheText(text); },
-                            .textFromFile =
-                                [](const ScriptValue& file) {
-                                  return textOfFile(file, kUnreadableFile);
-                                },
+                            .textFromFile = readingFiles(kUnreadableFile),
                             .cancelToken = cancelToken()});
   }
 
   [[nodiscard]] std::optional<Value> mungeTheText(const Text& given) {
     WorkingText text(given);
-    for (const Modification* modification : modOptions_) {
+    for (const Modification& modification : modOptions_) {
       cancelToken().throwIfCancelled();
-      if (modification->code == kParseCsv) return parseCSVIn(text.view(), cancelToken());
-      if (modification->code == kParseTsv) return parseTSVIn(text.view(), cancelToken());
-      if (!(this->*modification->effect)(text)) return std::nullopt;
+      if (modification.code == kParseCsv) return parseCSVIn(text.view(), cancelToken());
+      if (modification.code == kParseTsv) return parseTSVIn(text.view(), cancelToken());
+      if (!(this->*modification.effect)(text)) return std::nullopt;
     }
     return text.text();
   }
@@ -184,6 +184,32 @@ class SKWMungeText final : public core::Command {
     return true;
   }
 
+  bool icuTransform(WorkingText& text) {
+    if (!transformName_) throw ScriptError(kNoTransform);
+    const auto direction = isTransformInverse_ ? Transliteration::Direction::reverse
+                                               : Transliteration::Direction::forward;
+    if (!named_) named_ = Transliteration::make(transformName_->view(), direction);
+    return apply(named_, text, kBadTransform);
+  }
+
+  template <const FixedTransform& kTransform, std::optional<Transliteration> SKWMungeText::*kMade>
+  bool transform(WorkingText& text) {
+    std::optional<Transliteration>& made = this->*kMade;
+    if (!made) made = Transliteration::make(kTransform.identifier);
+    return apply(made, text, kTransform.failure);
+  }
+
+  static bool apply(const std::optional<Transliteration>& transform, WorkingText& text,
+                    const ErrorEntry& failure) {
+    if (!transform) throw ScriptError(failure);
+    try {
+      text = transform->apply(text.view());
+    } catch (const std::length_error&) {
+      throw ScriptError(failure);
+    }
+    return true;
+  }
+
   bool collapseSpaces(WorkingText& text) {
     removeSpacesAtLineEdges(text.units());
     collapseSpaceRuns(text.units());
@@ -196,14 +222,47 @@ class SKWMungeText final : public core::Command {
     return true;
   }
 
-  std::vector<const Modification*> modOptions_;
-  Text padString_{u" "};
+  std::vector<Modification> modOptions_;
+  // Transforms, made when the first text needs them and kept for the others.
+  std::optional<Transliteration> named_;
+  std::optional<Transliteration> toDecimal_;
+  std::optional<Transliteration> toHexadecimal_;
+  std::optional<Transliteration> fromHexadecimal_;
+  Text padString_{std::u16string_view(u" ")};
   std::uint32_t padLength_ = kDefaultPadLength;
   std::size_t padding_ = 0;
   bool isTransformInverse_ = false;
   std::optional<Text> transformName_;
   std::shared_ptr<RegexService> service_;
 };
+
+std::span<const SKWMungeText::Modification> SKWMungeText::modifications() {
+  static constexpr Modification kModifications[] = {
+      {0x62E56531, &SKWMungeText::convert<foundation::uppercased>},
+      {0x62E56532, &SKWMungeText::convert<foundation::lowercased>},
+      {0x62E56533, &SKWMungeText::convert<foundation::capitalized>},
+      {0x62E56534, &SKWMungeText::trimWhitespace},
+      {0x62E56535, &SKWMungeText::padToLength},
+      {0x62E56536, &SKWMungeText::encodeURL<ReservedCharacters::kept>},
+      {0x62E56537, &SKWMungeText::encodeURL<ReservedCharacters::escaped>},
+      {0x62E56538, &SKWMungeText::decodeURL},
+      {0x62E56539, &SKWMungeText::convert<foundation::entitiesEscaped>},
+      {0x62E56561, &SKWMungeText::md5Digest},
+      {0x62E56562, &SKWMungeText::icuTransform},
+      {kParseCsv, nullptr},
+      {0x62E56564, &SKWMungeText::change<curlQuotes>},
+      {0x62E56565, &SKWMungeText::change<straightenQuotes>},
+      {0x62E56566, &SKWMungeText::transform<kFromHexadecimal, &SKWMungeText::fromHexadecimal_>},
+      {0x62E56567, &SKWMungeText::convert<foundation::entitiesUnescaped>},
+      {0x62E56568, &SKWMungeText::transform<kToDecimal, &SKWMungeText::toDecimal_>},
+      {0x62E56569, &SKWMungeText::transform<kToHexadecimal, &SKWMungeText::toHexadecimal_>},
+      {0x62E5656A, &SKWMungeText::convert<foundation::standardizedPath>},
+      {kParseTsv, nullptr},
+      {0x62E5656C, &SKWMungeText::collapseSpaces},
+      {0x62E5656D, &SKWMungeText::removeBlankLines},
+  };
+  return kModifications;
+}
 
 }  // namespace
 

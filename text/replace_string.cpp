@@ -46,10 +46,10 @@ class SKWReplaceString final : public core::Command {
     if (isOnlyFirst_ && isOnlyLast_) throw ScriptError(kFirstAndLast);
     if (searched == nullptr) refuse("stringToSearch", "a text, a list or a file", std::nullopt);
     searched_ = searched->raw();
-    search_.emplace(sought.value_or(Text()).view(),
-                    foundation::FoldingOptions{
-                        .caseInsensitive = !arguments.isSet("caseMatters"),
-                        .diacriticInsensitive = arguments.isSet("diacriticalFlag")});
+    search_.emplace(
+        sought.value_or(Text()).view(),
+        foundation::FoldingOptions{.caseInsensitive = !arguments.isSet("caseMatters"),
+                                   .diacriticInsensitive = arguments.isSet("diacriticalFlag")});
   }
 
   std::optional<Value> compute() override {
@@ -70,9 +70,7 @@ class SKWReplaceString final : public core::Command {
     }
     std::u16string result;
     result.reserve(units.size() - found.length + replacement_->unitCount());
-    result.append(units, 0, found.location)
-        .append(replacement_->view())
-        .append(units, found.end());
+    result.append(units, 0, found.location).append(replacement_->view()).append(units, found.end());
     return Text(std::move(result));
   }
 

@@ -45,6 +45,10 @@ Text textOfFile(const ScriptValue& file, int errorNumber) {
   }
 }
 
+std::function<Text(const ScriptValue& file)> readingFiles(int errorNumber) {
+  return [errorNumber](const ScriptValue& file) { return textOfFile(file, errorNumber); };
+}
+
 std::optional<Value> mapTexts(const ScriptValue& given, const TextMapping& mapping) {
   if (isList(given)) return mapList(given.items(), mapping);
   if (core::isFileType(given.type())) return mapping.convert(mapping.textFromFile(given));

@@ -28,6 +28,9 @@ struct TextMapping {
   const core::CancelToken& cancelToken;
 };
 
+/// For `textFromFile`: the file's own text, by textOfFile.
+std::function<Text(const ScriptValue& file)> readingFiles(int errorNumber);
+
 /// Converts a text or the text of a file; a list item by item, at every depth.
 /// Values of any other type, missing value among them, come back as they are. When
 /// an item comes to nothing, so does the whole list.
