@@ -92,29 +92,27 @@ class SKWCleanString final : public core::Command {
   std::optional<Value> compute() override { return cleanTextWithin(*takeDirectParameter()); }
 
   [[nodiscard]] std::optional<Value> cleanTextWithin(const ScriptValue& value) const {
-    return mapTexts(value, {.convert = [this](const Text& text) -> std::optional<Value> {
-                              return cleanTheText(text);
-                            },
+    return mapTexts(value, {.convert = [this](const Text& text) { return cleanTheText(text); },
                             .textFromFile = readingFiles(kUnreadableFile),
                             .cancelToken = cancelToken()});
   }
 
-  [[nodiscard]] Text cleanTheText(const Text& given) const {
+  [[nodiscard]] std::optional<Value> cleanTheText(const Text& given) const {
     WorkingText text(given);
     replaceTypewriterSigns(text.units(), lineFeeds_, tabs_);
-    if (isRemovingTags_) replace(text, kTags);
+    if (isRemovingTags_ && !replace(text, kTags)) return std::nullopt;
     removeSpacesAtLineEdges(text.units());
     if (dashesSpaced_ == Choice::yes) text = withSpacedDashes(text.view());
     if (dashesSpaced_ == Choice::no) removeSpacesAroundDashes(text.units());
     collapseSpaceRuns(text.units());
-    if (hasEnDashes_) replace(text, kHyphenBeforeDigit);
-    if (isRemovingEmptyLines_) replace(text, kEmptyLines);
+    if (hasEnDashes_ && !replace(text, kHyphenBeforeDigit)) return std::nullopt;
+    if (isRemovingEmptyLines_ && !replace(text, kEmptyLines)) return std::nullopt;
     if (isCurlingQuotes_) curlQuotes(text.units());
     return text.text();
   }
 
-  void replace(WorkingText& text, const PatternReplacement& replacement) const {
-    replaceMatchesIn(text, replacement, *service_, cancelToken());
+  bool replace(WorkingText& text, const PatternReplacement& replacement) const {
+    return replaceMatchesIn(text, replacement, *service_, cancelToken());
   }
 
   std::shared_ptr<RegexService> service_;

@@ -66,14 +66,38 @@ constexpr std::uint32_t kDefaultPadLength = 20;
 // What padding may add for one command, over all its texts.
 constexpr std::size_t kMostPadding = std::size_t{1} << 28U;
 
-constexpr std::uint32_t kParseCsv = 0x62E56563;
-constexpr std::uint32_t kParseTsv = 0x62E5656B;
+// The codes that scripts give.
+enum class StringModificationCode : std::uint32_t {
+  upperCase = 0x62E56531,
+  lowerCase = 0x62E56532,
+  capitalizeWords = 0x62E56533,
+  trimWhitespace = 0x62E56534,
+  padToLength = 0x62E56535,
+  encodeURL = 0x62E56536,
+  encodeURLReserved = 0x62E56537,
+  decodeURL = 0x62E56538,
+  encodeXMLEntities = 0x62E56539,
+  md5Digest = 0x62E56561,
+  icuTransform = 0x62E56562,
+  parseCSV = 0x62E56563,
+  smartQuotes = 0x62E56564,
+  straightQuotes = 0x62E56565,
+  decodeHexEscapes = 0x62E56566,
+  decodeXMLEntities = 0x62E56567,
+  escapeNonASCIIDecimal = 0x62E56568,
+  escapeNonASCIIHex = 0x62E56569,
+  standardizePath = 0x62E5656A,
+  parseTSV = 0x62E5656B,
+  collapseSpaces = 0x62E5656C,
+  removeBlankLines = 0x62E5656D,
+};
+using Code = StringModificationCode;
 
 class SKWMungeText final : public core::Command {
   // A change of the text; false when nothing comes of it.
   using Effect = bool (SKWMungeText::*)(WorkingText&);
   struct Modification {
-    std::uint32_t code;
+    Code code;
     Effect effect;  // null for those that make a table
   };
   static std::span<const Modification> modifications();
@@ -96,7 +120,7 @@ class SKWMungeText final : public core::Command {
   // Codes that mean nothing are left out.
   void readOptions(const Value& options) {
     for (const Value& item : options.items()) {
-      const std::uint32_t code = codeOf(item.raw());
+      const Code code{codeOf(item.raw())};
       const auto found = std::ranges::find(modifications(), code, &Modification::code);
       if (found != modifications().end()) modOptions_.push_back(*found);
     }
@@ -121,8 +145,8 @@ class SKWMungeText final : public core::Command {
     WorkingText text(given);
     for (const Modification& modification : modOptions_) {
       cancelToken().throwIfCancelled();
-      if (modification.code == kParseCsv) return parseCSVIn(text.view(), cancelToken());
-      if (modification.code == kParseTsv) return parseTSVIn(text.view(), cancelToken());
+      if (modification.code == Code::parseCSV) return parseCSVIn(text.view(), cancelToken());
+      if (modification.code == Code::parseTSV) return parseTSVIn(text.view(), cancelToken());
       if (!(this->*modification.effect)(text)) return std::nullopt;
     }
     return text.text();
@@ -217,9 +241,8 @@ class SKWMungeText final : public core::Command {
   }
 
   bool removeBlankLines(WorkingText& text) {
-    replaceMatchesIn(text, kBlankLines, *service_, cancelToken());
-    replaceMatchesIn(text, kLastBlankLine, *service_, cancelToken());
-    return true;
+    return replaceMatchesIn(text, kBlankLines, *service_, cancelToken()) &&
+           replaceMatchesIn(text, kLastBlankLine, *service_, cancelToken());
   }
 
   std::vector<Modification> modOptions_;
@@ -238,28 +261,31 @@ class SKWMungeText final : public core::Command {
 
 std::span<const SKWMungeText::Modification> SKWMungeText::modifications() {
   static constexpr Modification kModifications[] = {
-      {0x62E56531, &SKWMungeText::convert<foundation::uppercased>},
-      {0x62E56532, &SKWMungeText::convert<foundation::lowercased>},
-      {0x62E56533, &SKWMungeText::convert<foundation::capitalized>},
-      {0x62E56534, &SKWMungeText::trimWhitespace},
-      {0x62E56535, &SKWMungeText::padToLength},
-      {0x62E56536, &SKWMungeText::encodeURL<ReservedCharacters::kept>},
-      {0x62E56537, &SKWMungeText::encodeURL<ReservedCharacters::escaped>},
-      {0x62E56538, &SKWMungeText::decodeURL},
-      {0x62E56539, &SKWMungeText::convert<foundation::entitiesEscaped>},
-      {0x62E56561, &SKWMungeText::md5Digest},
-      {0x62E56562, &SKWMungeText::icuTransform},
-      {kParseCsv, nullptr},
-      {0x62E56564, &SKWMungeText::change<curlQuotes>},
-      {0x62E56565, &SKWMungeText::change<straightenQuotes>},
-      {0x62E56566, &SKWMungeText::transform<kFromHexadecimal, &SKWMungeText::fromHexadecimal_>},
-      {0x62E56567, &SKWMungeText::convert<foundation::entitiesUnescaped>},
-      {0x62E56568, &SKWMungeText::transform<kToDecimal, &SKWMungeText::toDecimal_>},
-      {0x62E56569, &SKWMungeText::transform<kToHexadecimal, &SKWMungeText::toHexadecimal_>},
-      {0x62E5656A, &SKWMungeText::convert<foundation::standardizedPath>},
-      {kParseTsv, nullptr},
-      {0x62E5656C, &SKWMungeText::collapseSpaces},
-      {0x62E5656D, &SKWMungeText::removeBlankLines},
+      {Code::upperCase, &SKWMungeText::convert<foundation::uppercased>},
+      {Code::lowerCase, &SKWMungeText::convert<foundation::lowercased>},
+      {Code::capitalizeWords, &SKWMungeText::convert<foundation::capitalized>},
+      {Code::trimWhitespace, &SKWMungeText::trimWhitespace},
+      {Code::padToLength, &SKWMungeText::padToLength},
+      {Code::encodeURL, &SKWMungeText::encodeURL<ReservedCharacters::kept>},
+      {Code::encodeURLReserved, &SKWMungeText::encodeURL<ReservedCharacters::escaped>},
+      {Code::decodeURL, &SKWMungeText::decodeURL},
+      {Code::encodeXMLEntities, &SKWMungeText::convert<foundation::entitiesEscaped>},
+      {Code::md5Digest, &SKWMungeText::md5Digest},
+      {Code::icuTransform, &SKWMungeText::icuTransform},
+      {Code::parseCSV, nullptr},
+      {Code::smartQuotes, &SKWMungeText::change<curlQuotes>},
+      {Code::straightQuotes, &SKWMungeText::change<straightenQuotes>},
+      {Code::decodeHexEscapes,
+       &SKWMungeText::transform<kFromHexadecimal, &SKWMungeText::fromHexadecimal_>},
+      {Code::decodeXMLEntities, &SKWMungeText::convert<foundation::entitiesUnescaped>},
+      {Code::escapeNonASCIIDecimal,
+       &SKWMungeText::transform<kToDecimal, &SKWMungeText::toDecimal_>},
+      {Code::escapeNonASCIIHex,
+       &SKWMungeText::transform<kToHexadecimal, &SKWMungeText::toHexadecimal_>},
+      {Code::standardizePath, &SKWMungeText::convert<foundation::standardizedPath>},
+      {Code::parseTSV, nullptr},
+      {Code::collapseSpaces, &SKWMungeText::collapseSpaces},
+      {Code::removeBlankLines, &SKWMungeText::removeBlankLines},
   };
   return kModifications;
 }

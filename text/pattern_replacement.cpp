@@ -13,13 +13,18 @@ foundation::MatchWatch watchFor(const core::CancelToken& cancelToken) {
   }};
 }
 
-void replaceMatchesIn(WorkingText& text, const PatternReplacement& replacement,
+bool replaceMatchesIn(WorkingText& text, const PatternReplacement& replacement,
                       RegexService& service, const core::CancelToken& cancelToken) {
   const foundation::MatchWatch watch = watchFor(cancelToken);
   const Text pattern(replacement.usingPattern);
   const Text withString(replacement.withString);
-  text = service.stringByReplacingOccurrencesOfRegex(text.text(), pattern, withString,
-                                                     {.watch = &watch});
+  try {
+    text = service.stringByReplacingOccurrencesOfRegex(text.text(), pattern, withString,
+                                                       {.watch = &watch});
+    return true;
+  } catch (const RegexException&) {
+    return false;
+  }
 }
 
 }  // namespace skerrow::text

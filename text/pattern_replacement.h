@@ -25,8 +25,9 @@ struct PatternReplacement {
   std::u16string_view withString;
 };
 
-/// Replaces every match in the whole text.
-void replaceMatchesIn(WorkingText& text, const PatternReplacement& replacement,
+/// Replaces every match in the whole text. False where the service cannot, and then
+/// nothing comes of the text.
+bool replaceMatchesIn(WorkingText& text, const PatternReplacement& replacement,
                       RegexService& service, const core::CancelToken& cancelToken);
 
 }  // namespace skerrow::text
