@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -41,9 +42,7 @@ class FileInput : public testing::TestWithParam<FileCommand> {
  protected:
   std::string answerFor(const std::string& files) {
     std::string event = GetParam().event;
-    for (std::size_t i = 0; i < event.size(); ++i) {
-      if (event[i] == '\n') event[i] = ' ';
-    }
+    std::ranges::replace(event, '\n', ' ');
     return performer.answer(event.replace(event.find("%F"), 2, files));
   }
 
