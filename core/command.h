@@ -20,6 +20,7 @@
 
 #include "core/cancel_token.h"
 #include "core/script_error.h"
+#include "core/shared_services.h"
 #include "values/script_value.h"
 #include "values/value.h"
 
@@ -40,6 +41,9 @@ struct CommandContext {
   ApplicationDelegate& delegate;
   WorkerPool& pool;
   const ScriptCompiler& compiler;
+  /// What commands share. A command that needs a service in its task takes hold of
+  /// it in its checks.
+  std::shared_ptr<SharedServices> services = std::make_shared<SharedServices>();
 };
 
 /// The arguments that a script gave, by key, as the scripting layer evaluated

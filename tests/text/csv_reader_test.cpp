@@ -1,0 +1,118 @@
+#include "text/csv_reader.h"
+
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "foundation/character_sets.h"
+
+namespace skerrow::text {
+namespace {
+
+using Items = std::vector<Value>;
+using Fields = std::vector<std::u16string>;
+
+Value tableOf(const std::vector<Fields>& rows) {
+  Items table;
+  for (const Fields& row : rows) {
+    Items fields;
+    for (const std::u16string& field : row) fields.emplace_back(std::u16string_view(field));
+    table.emplace_back(std::move(fields));
+  }
+  return table;
+}
+
+Value csv(std::u16string_view text) { return parseCSVIn(text, core::CancelToken()); }
+Value tsv(std::u16string_view text) { return parseTSVIn(text, core::CancelToken()); }
+
+std::u16string inQuotes(std::u16string_view field) {
+  std::u16string result = u"\"";
+  for (const char16_t unit : field) result.append(unit == u'"' ? 2 : 1, unit);
+  return result += u'"';
+}
+
+rc::Gen<Fields> rowsOf(rc::Gen<char16_t> unit) {
+  // An empty last field would be left out.
+  return rc::gen::map(
+      rc::gen::container<Fields>(rc::gen::container<std::u16string>(std::move(unit))),
+      [](Fields row) {
+        row.emplace_back(u"end");
+        return row;
+      });
+}
+
+RC_GTEST_PROP(CsvReader, ReadsBackWhatWasWrittenInQuotes, ()) {
+  const auto rows = *rc::gen::container<std::vector<Fields>>(
+      rowsOf(rc::gen::element<char16_t>(u'a', u'"', u',', u' ', u'\t', u'\n', u'\r', u'\u2028')));
+  std::u16string text;
+  for (const Fields& row : rows) {
+    for (std::size_t i = 0; i < row.size(); ++i) text += (i == 0 ? u"" : u", ") + inQuotes(row[i]);
+    text += u"\r\n";
+  }
+  RC_ASSERT(csv(text) == tableOf(rows));
+}
+
+RC_GTEST_PROP(CsvReader, CutsPlainFieldsAtCommasAndLineEnds, ()) {
+  const auto rows = *rc::gen::container<std::vector<Fields>>(
+      rowsOf(rc::gen::element<char16_t>(u'a', u'é', u'\xD83D', u'\u2027', u'\u202A', u'\u0084')));
+  std::u16string text;
+  for (const Fields& row : rows) {
+    for (std::size_t i = 0; i < row.size(); ++i) text += (i == 0 ? u"" : u",") + row[i];
+    text += u'\n';
+  }
+  RC_ASSERT(csv(text) == tableOf(rows));
+}
+
+RC_GTEST_PROP(CsvReader, AcceptsEveryText, ()) {
+  const auto text = *rc::gen::container<std::u16string>(
+      rc::gen::element<char16_t>(u'a', u'"', u'"', u',', u' ', u'\n', u'\v', u'\x85'));
+  const Value table = csv(text);
+  for (const Value& row : table.items()) {
+    RC_ASSERT(!row.items().empty());
+    for (const Value& field : row.items()) RC_ASSERT(field.isText());
+  }
+}
+
+TEST(CsvReader, JoinsTheRunsOfAField) {
+  EXPECT_EQ(csv(u"a\"b\"\"c\nd\"e,f"), tableOf({{u"ab\"c\nde", u"f"}}));
+  EXPECT_EQ(csv(u"\"\"\"a\"\"\",b"), tableOf({{u"\"a\"", u"b"}}));
+  EXPECT_EQ(csv(u"\"a\"\"\"\"b\""), tableOf({{u"a\"\"b"}}));
+}
+
+TEST(CsvReader, TakesAllWhiteSpaceAfterACommaAndNoOther) {
+  for (char32_t unit = 1; unit < 0xD800; ++unit) {
+    const auto character = static_cast<char16_t>(unit);
+    if (foundation::isNewline(character) || character == u',' || character == u'"') continue;
+    const std::u16string text = std::u16string(u"x,") + character + u"y";
+    const std::u16string field = foundation::isWhiteSpace(character) ? u"y" : text.substr(2);
+    ASSERT_EQ(csv(text), tableOf({{u"x", field}})) << static_cast<unsigned>(unit);
+  }
+}
+
+TEST(CsvReader, StopsWhenItsCommandIsCancelled) {
+  const core::CancelToken token;
+  token.cancel();
+  EXPECT_THROW(parseCSVIn(u"a", token), core::Cancelled);
+  EXPECT_THROW(parseTSVIn(u"a", token), core::Cancelled);
+}
+
+RC_GTEST_PROP(TsvReader, CutsAtTabsAndParagraphs, ()) {
+  const auto rows = *rc::gen::container<std::vector<Fields>>(
+      rc::gen::nonEmpty(rc::gen::container<Fields>(rc::gen::container<std::u16string>(
+          rc::gen::element<char16_t>(u'a', u'"', u',', u' ', u'\u2028', u'\u0085', u'\v')))));
+  std::u16string text;
+  for (const Fields& row : rows) {
+    for (std::size_t i = 0; i < row.size(); ++i) text += (i == 0 ? u"" : u"\t") + row[i];
+    text += u"\r\n";
+  }
+  RC_ASSERT(tsv(text) == tableOf(rows));
+}
+
+TEST(TsvReader, EndsParagraphsAtEachKindOfLineEnd) {
+  EXPECT_EQ(tsv(u"\r\r\n\n\u2029"), tableOf({{u""}, {u""}, {u""}, {u""}}));
+}
+
+}  // namespace
+}  // namespace skerrow::text
