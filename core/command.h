@@ -158,11 +158,8 @@ class Command : public std::enable_shared_from_this<Command> {
   const CommandContext* context_ = nullptr;
   ReplyReceiver receiver_;
   CancelToken cancelToken_;
-<<<<<<< HEAD
   std::vector<std::vector<Value>> discarded_;
-=======
   std::optional<Value> immediateResult_;
->>>>>>> lists-family
   std::optional<ScriptError> scriptError_;
   std::atomic<State> state_ = State::created;
 };

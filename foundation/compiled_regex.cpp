@@ -2,6 +2,7 @@
 
 #include <unicode/uregex.h>
 
+#include <algorithm>
 #include <iterator>
 
 namespace skerrow::foundation {
@@ -18,9 +19,15 @@ void check(UErrorCode status) {
   if (U_FAILURE(status)) throw faultOf(status);
 }
 
+// ICU may fill a context to its last unit and not end it.
+std::u16string contextOf(const char16_t (&units)[U_PARSE_CONTEXT_LEN]) {
+  return {std::begin(units), std::ranges::find(units, u'\0')};
+}
+
 std::optional<RegexFault::Position> positionOf(const UParseError& place) {
   if (place.line == kUnknownLine) return std::nullopt;
-  return RegexFault::Position{place.line, place.offset, place.preContext, place.postContext};
+  return RegexFault::Position{place.line, place.offset, contextOf(place.preContext),
+                              contextOf(place.postContext)};
 }
 
 UBool continueMatch(const void* context, std::int32_t /*steps*/) {

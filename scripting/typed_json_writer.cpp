@@ -85,12 +85,16 @@ class ValueWriter {
  public:
   explicit ValueWriter(Pieces& pieces) : writer_(pieces) {}
 
+  // Lists and records call each other as deep as values go, so what they share a
+  // stack frame with is kept small.
   void write(const ScriptValue& value) {
-    if (const auto units = value.heldUnits()) return string(*units);
-    if (const auto text = core::textFromScriptValue(value)) return string(text->view());
-    if (const auto number = core::numberFromScriptValue(value)) return writeNumber(*number);
-    if (value.hasFields()) return writeRecord(value);
-    if (!writeOther(value)) writeRaw(value);
+    if (value.hasItems()) {
+      writeList(value);
+    } else if (value.hasFields()) {
+      writeRecord(value);
+    } else {
+      writeLeaf(value);
+    }
   }
 
   void writeError(const core::ScriptError& error) {
@@ -143,6 +147,13 @@ class ValueWriter {
     writer_.RawValue(units.data(), units.size(), rapidjson::kNumberType);
   }
 
+  [[gnu::noinline]] void writeLeaf(const ScriptValue& value) {
+    if (const auto units = value.heldUnits()) return string(*units);
+    if (const auto text = core::textFromScriptValue(value)) return string(text->view());
+    if (const auto number = core::numberFromScriptValue(value)) return writeNumber(*number);
+    if (!writeOther(value)) writeRaw(value);
+  }
+
   void writeNumber(Number number) {
     switch (number.kind()) {
       case NumberKind::boolean:
@@ -190,31 +201,38 @@ class ValueWriter {
       key(u"$record");
     }
     writer_.StartObject();
-    if (record.type() != "reco"_code) {
-      key(foundation::keyFromKeyword("pcls"_code));
-      form(u"$type", foundation::textFromCode(record.type()));
-    }
-    for (const ScriptField& field : record.fields()) {
-      if (const auto userFields = plainUserFields(field)) {
-        for (std::size_t i = 0; i < userFields->size(); i += 2) {
-          key(core::textFromScriptValue((*userFields)[i])->view());
-          write((*userFields)[i + 1]);
-        }
-      } else {
-        key(foundation::keyFromKeyword(field.keyword));
-        write(field.value);
-      }
-    }
+    if (record.type() != "reco"_code) writeClass(record.type());
+    for (const ScriptField& field : record.fields()) writeField(field);
     writer_.EndObject();
     if (isWrapped) writer_.EndObject();
+  }
+
+  void writeField(const ScriptField& field) {
+    if (!plainUserFields(field)) {
+      writeKeyword(field.keyword);
+      return write(field.value);
+    }
+    const auto items = field.value.items();
+    for (std::size_t i = 0; i < items.size(); i += 2) {
+      writeLabel(items[i]);
+      write(items[i + 1]);
+    }
+  }
+
+  [[gnu::noinline]] void writeClass(FourCharCode type) {
+    writeKeyword("pcls"_code);
+    form(u"$type", foundation::textFromCode(type));
+  }
+  [[gnu::noinline]] void writeKeyword(FourCharCode keyword) {
+    key(foundation::keyFromKeyword(keyword));
+  }
+  [[gnu::noinline]] void writeLabel(const ScriptValue& label) {
+    key(core::textFromScriptValue(label)->view());
   }
 
   // The types that have a form of their own; false when this value is not in it.
   bool writeOther(const ScriptValue& value) {
     switch (number(value.type())) {
-      case number("list"_code):
-        if (value.hasItems()) writeList(value);
-        return value.hasItems();
       case number("msng"_code):
         return writer_.Null();
       case number("null"_code):

@@ -164,9 +164,9 @@ class PatternReader {
     for (const std::u16string_view harmless : {u"m)", u"s)", u"ms)", u"sm)"}) {
       if (kind.starts_with(harmless)) return;
     }
-    if (kind.empty() || std::u16string_view(u":=!<>").find(kind.front()) == kind.npos) {
+    constexpr std::u16string_view kPlainKinds = u":=!<>";
+    if (kind.empty() || kPlainKinds.find(kind.front()) == std::u16string_view::npos)
       throw InDoubt{};
-    }
   }
 
   static constexpr bool isLetterOrDigit(char16_t unit) {

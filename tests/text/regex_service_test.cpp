@@ -348,6 +348,20 @@ TEST_F(RegexServiceTest, StoresWhatAReplacementAndAnEnumerationWorkedWith) {
   EXPECT_EQ(*place->details().find(u"RKLICURegexEnumerationOptions"), Value(Number::signed32(0)));
 }
 
+TEST_F(RegexServiceTest, ShowsAFewUnitsOnEitherSideOfAFaultInALongPattern) {
+  std::optional<RegexError> error;
+  const std::u16string before(100, u'a');
+  EXPECT_FALSE(regex.isRegexValid(Text(before + u"[z-a]" + before), kNoRegexOptions, &error));
+  ASSERT_TRUE(error && error->fault.position);
+  const foundation::RegexFault::Position& position = *error->fault.position;
+  EXPECT_EQ(position.line, 1);
+  EXPECT_EQ(position.offset, 104);
+  EXPECT_TRUE(position.before.ends_with(u"aaaa[z-"));
+  EXPECT_TRUE(position.after.starts_with(u"a]aaaa"));
+  EXPECT_LE(position.before.size(), 16U);
+  EXPECT_LE(position.after.size(), 16U);
+}
+
 TEST_F(RegexServiceTest, HasNoPositionForErrorsOutsideThePattern) {
   std::optional<RegexError> error;
   EXPECT_FALSE(regex.isRegexValid(u"a"_text, 1U << 20U, &error));

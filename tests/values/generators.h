@@ -199,15 +199,16 @@ inline rc::Gen<ScriptValue> anyScriptRecord() {
   const auto keywords = rc::gen::scale(
       0.3, rc::gen::container<std::vector<std::pair<FourCharCode, ScriptValue>>>(field));
   const auto theClass = rc::gen::element("reco"_code, "reco"_code, "cobj"_code);
+  static constexpr FourCharCode kUserFields = "usrf"_code;
   return rc::gen::map(rc::gen::tuple(theClass, keywords, userFields()), [](const auto& parts) {
     std::vector<ScriptField> fields;
     bool hasUserFields = false;
     for (const auto& [keyword, value] : std::get<1>(parts)) {
-      hasUserFields = hasUserFields || keyword == "usrf"_code;
+      hasUserFields = hasUserFields || keyword == kUserFields;
       fields.push_back({keyword, value});
     }
     // At most one field of user fields, as scripts send them.
-    if (!hasUserFields) fields.push_back({"usrf"_code, std::get<2>(parts)});
+    if (!hasUserFields) fields.push_back({kUserFields, std::get<2>(parts)});
     return ScriptValue::record(std::get<0>(parts), std::move(fields));
   });
 }
