@@ -94,7 +94,8 @@ std::optional<Value> plainValue(Kinds kinds, const ScriptValue& value) {
       (contains(kinds, Kinds::file) && core::isFileType(type)) ||
       (contains(kinds, Kinds::data) && type == "rdat"_code) ||
       (contains(kinds, Kinds::type) && value.namedCode() && !value.isMissingValue());
-  if (contains(kinds, Kinds::integer)) {
+  const bool staysReal = contains(kinds, Kinds::real) && type == "doub"_code;
+  if (contains(kinds, Kinds::integer) && !staysReal) {
     if (const auto number = wholeNumber(value)) return Value(*number);
   }
   if (isPlainKind) return core::unpack(value);

@@ -44,7 +44,10 @@ def attribute(element, name):
 def code_number(text, count=4):
     """The number of a code: characters of Mac OS Roman, or 0x and hexadecimal digits."""
     if text.startswith("0x") and len(text) == 2 + 2 * count:
-        return int(text, 16)
+        try:
+            return int(text, 16)
+        except ValueError:
+            raise Malformed(f"the code “{text}” is no hexadecimal number") from None
     try:
         encoded = text.encode("mac_roman")
     except UnicodeEncodeError:

@@ -60,6 +60,14 @@ bool JsonSource::beginLine() {
 
 bool JsonSource::isAtEnd() { return Peek() == '\0' && position_ == end_; }
 
+bool JsonSource::isBehindZero() const {
+  const std::string_view taken = std::string_view(buffer_).substr(0, position_);
+  const std::size_t first = taken.find_last_not_of("0123456789+-.eE") + 1;
+  const std::string_view number = taken.substr(first);
+  return number.substr(0, number.find_first_of("eE")).find_first_of("123456789") ==
+         std::string_view::npos;
+}
+
 JsonSource::Ch JsonSource::peekBeyond() {
   while (position_ == end_) {
     if (isAtLineEnd_ || !refill()) return '\0';
@@ -93,18 +101,23 @@ void JsonSource::passByteOrderMark() {
 bool JsonSource::refill() {
   if (isExhausted_ && prepared_ == filled_) return false;
   // Everything before the next byte has served; its lines and characters are counted.
-  const std::string_view served(buffer_.data(), position_);
+  // Some bytes stay: a fault is found only behind its place, and a number may be
+  // looked at again.
+  constexpr std::size_t kKept = 64;
+  const std::size_t dropped = position_ > kKept ? position_ - kKept : 0;
+  const std::string_view served(buffer_.data(), dropped);
   const std::size_t lastLine = served.rfind('\n') + 1;  // 0 where there is no line end
   if (lastLine > 0) {
     linesBefore_ += static_cast<std::size_t>(std::ranges::count(served, '\n'));
     charactersBefore_ = 0;
   }
   charactersBefore_ += characterCount(served.substr(lastLine));
-  buffer_.erase(0, position_);
-  offset_ += position_;
-  filled_ -= position_;
-  prepared_ -= position_;
-  position_ = end_ = 0;
+  buffer_.erase(0, dropped);
+  offset_ += dropped;
+  filled_ -= dropped;
+  prepared_ -= dropped;
+  position_ -= dropped;
+  end_ = position_;
   readPiece();
   passByteOrderMark();
   prepare(prepared_);

@@ -34,6 +34,9 @@ class JsonSource {
   [[nodiscard]] std::string placeOf(std::size_t offset) const;
   [[nodiscard]] std::string currentPlace() const { return placeOf(Tell()); }
 
+  /// Whether the number that was taken last has no digit but 0 before its exponent.
+  [[nodiscard]] bool isBehindZero() const;
+
   // What the JSON library calls. A NUL stands for the end; whether it is one,
   // isAtEnd tells.
   Ch Peek() { return position_ != end_ ? buffer_[position_] : peekBeyond(); }

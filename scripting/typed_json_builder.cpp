@@ -332,7 +332,8 @@ ScriptValue TypedJsonBuilder::singleForm(std::u16string_view label,
 ScriptValue TypedJsonBuilder::numberForm(const ScriptValue& value, const ScriptValue& type) const {
   const auto real = core::numberFromScriptValue(value);
   const bool isSpecialReal = real && real->isReal() && !std::isfinite(real->asReal());
-  if (!isSpecialReal && (!lastNumber_ || !core::isNumberType(value.type()))) {
+  const bool isNumber = real && real->kind() != NumberKind::boolean;
+  if (!isSpecialReal && (!lastNumber_ || !isNumber)) {
     refuse("“$number” needs a number");
   }
   return numberOfType(codeOf(type, u"as"), isSpecialReal ? *real : *lastNumber_);

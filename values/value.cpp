@@ -220,7 +220,7 @@ bool operator==(const Value& a, const Value& b) noexcept {
     case Kind::number:
       return a.number() == b.number();
     case Kind::date:
-      return a.real_ == b.real_;
+      return Number::real(a.real_) == Number::real(b.real_);
     case Kind::text:
       return a.shared_ == b.shared_ || haveSameUnits(a.text(), b.text());
     default:

@@ -337,7 +337,7 @@ TEST(ReadTypedJson, RefusesFormsThatAreNotWellMade) {
       {R"({"$number": 5})", "line 1, column 13", "“$number” needs its companion “as”"},
       {R"({"$number": "5", "as": "shor"})", "line 1, column 29", "“$number” needs a number"},
       {R"({"$number": true, "as": "shor"})", "line 1, column 30", "“$number” needs a number"},
-      {R"([7, {"$number": true, "as": "shor"}])", "line 1, column 36", "“$number” needs a number"},
+      {R"([7, {"$number": true, "as": "shor"}])", "line 1, column 34", "“$number” needs a number"},
       {R"({"$number": [5], "as": "shor"})", "line 1, column 29", "“$number” needs a number"},
       {R"({"$number": 5, "as": "utxt"})", "line 1, column 27", "“utxt” is not a type of numbers"},
       {R"({"$number": 5, "as": "bool"})", "line 1, column 27", "“bool” is not a type of numbers"},
