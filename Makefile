@@ -32,7 +32,7 @@ build:
 
 bench:
 	@tools/setup.sh build bench
-	@$(call build,release)
+	@$(call build,release) --target bench_programs
 	@python3 bench/run.py
 
 install: build

@@ -28,6 +28,7 @@ class Bench:
     skerrow = str(HERE.parent / "build/release/bin/skerrow")
     python = "/usr/bin/python3"
     jq = "jq"
+    programs = HERE.parent / "build/release/bench"
 
     def __init__(self, folder):
         self.folder = Path(folder)
@@ -96,11 +97,28 @@ class Bench:
         self.print(f"{name:<37} {first:>9.0f} ns", f"{middle:.0f} ns", f"{last:.0f} ns",
                    last / first, limit)
 
-    def rate(self, name, event, count):
-        """How many small events one process answers in a second."""
+    def compareInside(self, name, program, arguments, limit, runs=RUNS):
+        """Two ways within one process, which prints the seconds of ours and of the other's."""
+        command = [str(self.programs / program), *arguments]
+
+        def seconds():
+            self.measure(command)
+            with open(self.output, encoding="ascii") as file:
+                return [float(one) for one in file.readline().split()]
+
+        rounds = [seconds() for _ in range(runs + 1)][1:]
+        ours, peer = map(statistics.median, zip(*rounds))
+        self.print(name, *(f"{one * 1000:.1f} ms" for one in (ours, peer)), ours / peer, limit)
+
+    def rate(self, name, event, count, limit=None):
+        """How many small events one process answers in a second; the limit is the least."""
         events = self.data("events", lambda: [json.dumps(event)] * count)
         seconds = [self.stream(name, events) for _ in range(RUNS + 1)][1:]
-        self.print(name, f"{count / statistics.median(seconds):,.0f} /s")
+        rate = count / statistics.median(seconds)
+        isWell = limit is None or rate >= limit
+        self.allWell = self.allWell and isWell
+        self.printRow(name, f"{rate:,.0f} /s", "", "", "" if limit is None else f"{limit:,}",
+                      "" if limit is None else "yes" if isWell else "NO")
 
     def table(self, *columns):
         """Begins a table: the heads of its first four columns."""
@@ -109,10 +127,13 @@ class Bench:
     def print(self, name, ours, peer="", ratio=None, limit=None):
         isWell = limit is None or ratio <= limit
         self.allWell = self.allWell and isWell
-        row = ROW.format(name, ours, peer, "" if ratio is None else f"{ratio:.2f}×",
-                         "" if limit is None else f"{limit:.1f}×",
-                         "" if limit is None else "yes" if isWell else "NO")
-        print(row.rstrip(), flush=True)
+        self.printRow(name, ours, peer, "" if ratio is None else f"{ratio:.2f}×",
+                      "" if limit is None else f"{limit:.1f}×",
+                      "" if limit is None else "yes" if isWell else "NO")
+
+    @staticmethod
+    def printRow(*columns):
+        print(ROW.format(*columns).rstrip(), flush=True)
 
     def requireSameResult(self, name, ours, peer):
         def check():
