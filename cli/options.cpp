@@ -9,7 +9,7 @@ namespace skerrow::cli {
 namespace {
 
 constexpr std::string_view kHelp =
-    R"(Skerrow edits text, lists, records and files for scripts.
+    R"(Skerrow edits text, lists and records for scripts.
 
   skerrow perform COMMAND [--direct JSON] [--arguments JSON] [--timeout SECONDS]
       Performs one command and prints its result as typed JSON.

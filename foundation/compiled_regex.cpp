@@ -92,20 +92,30 @@ void CompiledRegex::restart(UnitRange range) {
   check(status);
 }
 
-bool CompiledRegex::findNext(MatchMonitor& monitor) {
+template <class Search>
+bool CompiledRegex::run(MatchMonitor& monitor, Search search) {
   UErrorCode status = U_ZERO_ERROR;
   uregex_setMatchCallback(regex_.get(), continueMatch, &monitor, &status);
   // Asking at every position costs a little, so only where somebody answers.
   uregex_setFindProgressCallback(regex_.get(), monitor.isWatched() ? continueSearch : nullptr,
                                  &monitor, &status);
-  const bool isFound = uregex_findNext(regex_.get(), &status) != 0;
+  const bool isMatch = search(regex_.get(), &status) != 0;
   if (status == U_REGEX_STOPPED_BY_CALLER) {
     monitor.rethrow();
     if (monitor.isTimedOut()) throw faultOf(U_REGEX_TIME_OUT);
     throw MatchStopped{};
   }
   check(status);
-  return isFound;
+  return isMatch;
+}
+
+bool CompiledRegex::findNext(MatchMonitor& monitor) { return run(monitor, uregex_findNext); }
+
+bool CompiledRegex::matchesWhole(MatchMonitor& monitor) {
+  constexpr std::int32_t kWholeRange = -1;
+  return run(monitor, [](URegularExpression* regex, UErrorCode* status) {
+    return uregex_matches(regex, kWholeRange, status);
+  });
 }
 
 UnitRange CompiledRegex::group(std::int32_t number) const {

@@ -64,6 +64,9 @@ class CompiledRegex {
   /// RegexFault, MatchStopped, and what the watch throws; then only a restart helps.
   [[nodiscard]] bool findNext(MatchMonitor& monitor);
 
+  /// Whether the whole range of the subject matches. Throws like findNext.
+  [[nodiscard]] bool matchesWhole(MatchMonitor& monitor);
+
   /// Where a group of the current match lies: 0 for the whole match, not found
   /// for a group that took no part.
   [[nodiscard]] UnitRange group(std::int32_t number) const;
@@ -75,6 +78,10 @@ class CompiledRegex {
   struct Closer {
     void operator()(URegularExpression* regex) const noexcept;
   };
+
+  // Runs one of ICU's searching functions under the monitor's eyes.
+  template <class Search>
+  bool run(MatchMonitor& monitor, Search search);
 
   CompiledRegex(URegularExpression* regex, std::int32_t groupCount)
       : regex_(regex), groupCount_(groupCount) {}

@@ -9,7 +9,7 @@
 #include "foundation/collection_operator.h"
 #include "foundation/icu_text.h"
 #include "foundation/number_text.h"
-#include "foundation/text_encoding.h"
+#include "foundation/quoted_text.h"
 #include "values/record.h"
 
 namespace skerrow::foundation {
@@ -71,12 +71,6 @@ std::string nameOf(Kind kind) {
   return "An object";
 }
 
-std::string quoted(std::u16string_view key) {
-  constexpr std::size_t kLongest = 100;
-  if (key.size() <= kLongest) return "“" + utf8FromUtf16(key) + "”";
-  return "“" + utf8FromUtf16(key.substr(0, kLongest)) + "…”";
-}
-
 Value uppercase(std::u16string_view text) {
   std::u16string result;
   convertInto(result, text.size(), [&](char16_t* units, std::int32_t room, UErrorCode* error) {
@@ -136,13 +130,13 @@ KeyPath::KeyPath(std::u16string_view path, TextKeys textKeys) : textKeys_(textKe
     if (keys_.size() == kMaximumKeys) {
       throw KeyPathError("A key path can have at most " + std::to_string(kMaximumKeys) + " keys.");
     }
-    keys_.push_back({Value(key), operatorNamed(key), key == u"self"});
+    keys_.push_back({Value(key), operatorNamed(key), key == u"self" || key == u"SELF"});
     begin = end + 1;
   }
   const Key& last = keys_.back();
   if (last.collectionOperator != Operator::none && last.collectionOperator != Operator::count) {
     throw KeyPathError("The collection operator " + quoted(last.name.text()) +
-                       " needs a key behind it; “self” stands for the items themselves.");
+                       " needs a key behind it; “self” stands for numbers and texts themselves.");
   }
 }
 
@@ -173,9 +167,17 @@ const Value* KeyPath::follow(std::size_t index, const Value& from, Value& room,
       current = found != nullptr ? found : &kNull;
       continue;
     }
+    // An operator takes the rest of the path, and so does every item of a list.
     if (key.collectionOperator != Operator::none) {
       if (!apply(index, *current, made, failure)) return nullptr;
-      index = keys_.size();  // the operator has taken the rest of the path
+      index = keys_.size();
+    } else if (current->isList()) {
+      if (key.name.text().starts_with(u'@')) {
+        failure.kind = Failure::Kind::noOperator;
+        return nullptr;
+      }
+      if (!followItems(index, *current, made, failure)) return nullptr;
+      index = keys_.size();
     } else if (!lookUp(key, *current, made, failure)) {
       return nullptr;
     }
@@ -186,31 +188,22 @@ const Value* KeyPath::follow(std::size_t index, const Value& from, Value& room,
   return current;
 }
 
-bool KeyPath::lookUp(const Key& key, const Value& from, Value& into, Failure& failure) const {
-  switch (from.kind()) {
-    case Kind::null:
-      into = Value();
-      return true;
-    case Kind::record: {
-      const Value* const found = from.record().find(key.name);
-      into = found != nullptr ? *found : Value();
-      return true;
-    }
-    case Kind::list: {
-      if (key.name.text().starts_with(u'@')) {
-        failure.kind = Failure::Kind::noOperator;
-        return false;
-      }
-      std::vector<Value> results(from.items().size());
-      for (std::size_t i = 0; i < results.size(); ++i) {
-        if (!lookUp(key, from.items()[i], results[i], failure)) return false;
-      }
-      into = Value(std::move(results));
-      return true;
-    }
-    default:
-      break;
+// What the keys from one on give for every item of a list.
+bool KeyPath::followItems(std::size_t index, const Value& list, Value& into,
+                          Failure& failure) const {
+  std::vector<Value> found(list.items().size());
+  for (std::size_t i = 0; i < found.size(); ++i) {
+    Value room;
+    const Value* const value = follow(index, list.items()[i], room, failure);
+    if (value == nullptr) return false;
+    found[i] = *value;
   }
+  into = Value(std::move(found));
+  return true;
+}
+
+// The value of a key in something that is neither a record nor a list.
+bool KeyPath::lookUp(const Key& key, const Value& from, Value& into, Failure& failure) const {
   if (key.isSelf) {
     into = from;
     return true;
@@ -256,14 +249,10 @@ bool KeyPath::apply(std::size_t index, const Value& from, Value& into, Failure& 
     return false;
   }
 
-  // The rest of the path in every item: the values to operate on.
-  std::vector<Value> found(from.items().size());
-  for (std::size_t i = 0; i < found.size(); ++i) {
-    Value room;
-    const Value* const value = follow(index + 1, from.items()[i], room, failure);
-    if (value == nullptr) return false;
-    found[i] = *value;
-  }
+  // The values to operate on.
+  Value rest;
+  if (!followItems(index + 1, from, rest, failure)) return false;
+  std::vector<Value> found = std::move(rest).takeItems();
   failure.index = index;
 
   const auto number = [&](std::optional<double> result) {

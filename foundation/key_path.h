@@ -26,6 +26,7 @@
 #include <string_view>
 #include <vector>
 
+#include "values/depth.h"
 #include "values/value.h"
 
 namespace skerrow::foundation {
@@ -41,8 +42,8 @@ class KeyPathError : public std::runtime_error {
 
 class KeyPath {
  public:
-  /// Longer paths are refused.
-  static constexpr std::size_t kMaximumKeys = 1000;
+  /// Longer paths are refused; no value nests as deep.
+  static constexpr std::size_t kMaximumKeys = kMaximumDepth;
 
   /// Whether texts answer the keys by which the platform's texts tell about
   /// themselves: length (UTF-16 units), uppercaseString, lowercaseString, intValue,
@@ -73,6 +74,8 @@ class KeyPath {
 
   [[nodiscard]] const Value* follow(std::size_t index, const Value& from, Value& room,
                                     Failure& failure) const;
+  [[nodiscard]] bool followItems(std::size_t index, const Value& list, Value& into,
+                                 Failure& failure) const;
   [[nodiscard]] bool lookUp(const Key& key, const Value& from, Value& into, Failure& failure) const;
   [[nodiscard]] bool lookUpInText(const Key& key, const Value& text, Value& into) const;
   [[nodiscard]] bool apply(std::size_t index, const Value& from, Value& into,

@@ -91,7 +91,7 @@ class PredicateEvaluation {
   std::mt19937_64& random();
 
  private:
-  static constexpr std::uint64_t kMaximumSteps = 1ULL << 25U;
+  static constexpr std::uint64_t kMaximumSteps = 1ULL << 27U;
 
   struct Variable {
     Value value;

@@ -114,6 +114,9 @@ class PredicateParser {
   bool parseBracketed(Postfix& value, Operand& condition);
   void parseWord(Postfix& value);
   void parseKeywordValue(Postfix& value);
+  void parseKey(Postfix& value);
+  [[nodiscard]] const Value& nextArgument();
+  [[nodiscard]] std::u16string keyArgument();
   void parsePlaceholder(Postfix& value);
   void parseVariable(Postfix& value);
   void parseIndex(Postfix& value);

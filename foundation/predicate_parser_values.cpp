@@ -40,13 +40,7 @@ PredicateParser::Operand PredicateParser::parseValue() {
   }
   for (;;) {
     if (takeSymbol(u".")) {
-      if (token_.kind != TokenKind::word && token_.kind != TokenKind::key) {
-        fail(token_.begin, "a key is missing behind “.”");
-      }
-      if (value.hasKeys) value.keys += u'.';
-      value.keys += keyword_ == Keyword::self ? u"self" : token_.text;
-      value.hasKeys = true;
-      advance();
+      parseKey(value);
     } else if (token_.isSymbol(u"[")) {
       parseIndex(value);
     } else {
@@ -56,6 +50,22 @@ PredicateParser::Operand PredicateParser::parseValue() {
   const std::size_t place = value.place;
   const std::size_t height = value.height + 1;
   return made(finished(std::move(value)), place, height);
+}
+
+// What stands behind a full stop.
+void PredicateParser::parseKey(Postfix& value) {
+  std::u16string key;
+  if (token_.kind == TokenKind::placeholder && token_.text == u"K") {
+    key = keyArgument();
+  } else if (token_.kind == TokenKind::word || token_.kind == TokenKind::key) {
+    key = keyword_ == Keyword::self ? u"self" : token_.text;
+  } else {
+    fail(token_.begin, "a key is missing behind “.”");
+  }
+  if (value.hasKeys) value.keys += u'.';
+  value.keys += key;
+  value.hasKeys = true;
+  advance();
 }
 
 // True for a condition, which takes no keys.
@@ -124,20 +134,29 @@ void PredicateParser::parseKeywordValue(Postfix& value) {
   }
 }
 
-void PredicateParser::parsePlaceholder(Postfix& value) {
-  const std::u16string kind = token_.text;
-  if (kind == u"%") return setConstant(value, Value(u"%"));
+const Value& PredicateParser::nextArgument() {
   if (usedArguments_ == arguments_.size()) {
     fail(token_.begin, "there is no argument for the placeholder");
   }
-  const Value& argument = arguments_[usedArguments_++];
-  if (kind == u"@") return setConstant(value, argument);
+  return arguments_[usedArguments_++];
+}
+
+std::u16string PredicateParser::keyArgument() {
+  const Value& argument = nextArgument();
+  if (!argument.isText()) fail(token_.begin, "the argument is no text, which a key must be");
+  return std::u16string(argument.text());
+}
+
+void PredicateParser::parsePlaceholder(Postfix& value) {
+  const std::u16string kind = token_.text;
+  if (kind == u"%") return setConstant(value, Value(u"%"));
   if (kind == u"K") {
-    if (!argument.isText()) fail(token_.begin, "the argument is no text, which a key must be");
-    value.keys = argument.text();
+    value.keys = keyArgument();
     value.hasKeys = true;
     return advance();
   }
+  const Value& argument = nextArgument();
+  if (kind == u"@") return setConstant(value, argument);
   // The printf family: S and s take a text, C and c a character, the rest a number.
   if (kind == u"s" || kind == u"S") {
     if (!argument.isText()) fail(token_.begin, "the argument is no text");

@@ -1,6 +1,17 @@
 #include "foundation/text_search.h"
 
+#include "foundation/code_points.h"
+
 namespace skerrow::foundation {
+
+namespace {
+
+bool isInsidePair(std::u16string_view text, std::size_t position) {
+  return position > 0 && position < text.size() && isTrailingSurrogate(text[position]) &&
+         isLeadingSurrogate(text[position - 1]);
+}
+
+}  // namespace
 
 TextSearch::TextSearch(std::u16string_view sought, FoldingOptions options)
     : options_(options),
@@ -79,7 +90,9 @@ UnitRange TextSearch::Scan::findLiteral() {
       if (position_ == std::u16string_view::npos) break;
     }
     advance(text_[position_++]);
-    if (matched_ == sought.size()) return {position_ - matched_, matched_};
+    if (matched_ != sought.size()) continue;
+    const std::size_t begin = position_ - matched_;
+    if (!isInsidePair(text_, begin) && !isInsidePair(text_, position_)) return {begin, matched_};
   }
   position_ = text_.size();
   return UnitRange::notFound();

@@ -1,6 +1,7 @@
 #pragma once
 // TextSearch: finding and replacing one text in another, not by a pattern. Without
-// options texts are compared unit by unit. Where case or diacritics do not matter,
+// options texts are compared unit by unit, and half of a surrogate pair is not found
+// in the pair. Where case or diacritics do not matter,
 // they are compared character by character as TextFolding sees them, so that what
 // is found may be longer or shorter than what was looked for, and begins and ends
 // between characters: "s" is not found in "ß", nor "e" in "é" unless diacritics do

@@ -2,6 +2,7 @@
 
 #include <unicode/translit.h>
 
+#include <algorithm>
 #include <limits>
 #include <stdexcept>
 #include <utility>
@@ -32,12 +33,47 @@ std::optional<Transliteration> Transliteration::make(std::u16string_view identif
   return Transliteration(std::move(transform));
 }
 
+namespace {
+
+std::u16string applyToWhole(const icu::Transliterator& icu, std::u16string_view text) {
+  ReplaceableText replaceable(text);
+  icu.transliterate(replaceable);
+  return replaceable.text();
+}
+
+// Some transforms, such as those from Thai, look at the whole text once for every
+// run of their script. Rules look no further than to the end of a line, so long
+// texts go line by line, a few thousand units at a time, each piece with the line
+// end before it in its sight.
+std::u16string applyToLines(const icu::Transliterator& icu, std::u16string_view text) {
+  constexpr std::size_t kPieceLength = 1 << 12;
+  std::u16string result;
+  result.reserve(text.size());
+  for (std::size_t begin = 0; begin < text.size();) {
+    const std::size_t lineEnd = text.find(u'\n', std::min(begin + kPieceLength, text.size()));
+    const std::size_t end = std::min(lineEnd, text.size() - 1) + 1;
+    const std::size_t context = begin == 0 ? 0 : 1;
+    ReplaceableText piece(text.substr(begin - context, end - begin + context));
+    UTransPosition position{};
+    position.contextLimit = position.limit = piece.length();
+    position.start = static_cast<std::int32_t>(context);
+    icu.finishTransliteration(piece, position);
+    result.append(piece.text(), context);
+    begin = end;
+  }
+  return result;
+}
+
+}  // namespace
+
 std::u16string Transliteration::apply(std::u16string_view text) const {
   constexpr std::size_t kTooLong = std::numeric_limits<std::int32_t>::max() / 2;
+  constexpr std::size_t kLong = 1 << 14;
+  constexpr std::u16string_view kLineEnd = u"\n";
   if (text.size() >= kTooLong) throw std::length_error("The text is too long to be transformed.");
-  ReplaceableText replaceable(text);
-  transform_->icu->transliterate(replaceable);
-  return replaceable.text();
+  const icu::Transliterator& icu = *transform_->icu;
+  const bool isByLines = text.size() > kLong && applyToWhole(icu, kLineEnd) == kLineEnd;
+  return isByLines ? applyToLines(icu, text) : applyToWhole(icu, text);
 }
 
 }  // namespace skerrow::foundation

@@ -3,12 +3,12 @@
 // pattern stays compiled, so that asking the same of many texts is cheap. An
 // object belongs to one thread at a time.
 
-#include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 
-struct URegularExpression;
+#include "foundation/compiled_regex.h"
 
 namespace skerrow::foundation {
 
@@ -23,23 +23,13 @@ enum class MatchCase : bool { sensitive, insensitive };
 
 class WholeMatch {
  public:
-  WholeMatch();
-  WholeMatch(WholeMatch&&) noexcept;
-  WholeMatch& operator=(WholeMatch&&) noexcept;
-  ~WholeMatch();
-
-  /// The pattern is in the syntax of ICU. Throws WholeMatchError.
+  /// The pattern is in the syntax of ICU; all calls with one pattern ask for the
+  /// same case. Throws WholeMatchError.
   bool matches(std::u16string_view text, std::u16string_view pattern, MatchCase matchCase);
 
  private:
-  struct Close {
-    void operator()(URegularExpression* regex) const;
-  };
-
-  void compile(std::u16string_view pattern, MatchCase matchCase);
-
   std::u16string pattern_;
-  std::unique_ptr<URegularExpression, Close> regex_;
+  std::optional<CompiledRegex> regex_;
 };
 
 }  // namespace skerrow::foundation

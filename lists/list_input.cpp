@@ -1,11 +1,7 @@
 #include "lists/list_input.h"
 
-#include <string>
-
-#include "core/script_error.h"
 #include "core/unpack.h"
 #include "foundation/code_text.h"
-#include "scripting/argument_evaluation.h"
 
 namespace skerrow::lists {
 
@@ -13,17 +9,7 @@ using namespace literals;
 
 namespace {
 
-constexpr core::ErrorEntry kWrongKind = {core::scripting_error::kWrongKind,
-                                         "The %@ must be %@, not %@."};
-constexpr core::ErrorEntry kWrongItem = {core::scripting_error::kWrongKind,
-                                         "The items of the %@ must be %@, not %@."};
-constexpr core::ErrorEntry kMissing = {core::scripting_error::kWrongKind,
-                                       "The %@ must be %@, and it is missing."};
-
-std::string named(std::string_view parameter) {
-  if (parameter == kDirectParameter) return std::string(parameter);
-  return "argument “" + std::string(parameter) + "”";
-}
+using scripting::refuseItem;
 
 const Value& required(const core::Arguments& arguments, std::string_view key,
                       std::string_view needed) {
@@ -47,20 +33,7 @@ std::optional<Value> asLabel(const ScriptValue& value) {
   return Value(foundation::keyFromKeyword(*code));
 }
 
-[[noreturn]] void refuseItem(std::string_view parameter, std::string_view needed,
-                             const ScriptValue& given) {
-  throw core::ScriptError(kWrongItem, named(parameter), needed, scripting::kindInWords(given));
-}
-
 }  // namespace
-
-void refuseKind(std::string_view parameter, std::string_view needed, const ScriptValue& given) {
-  throw core::ScriptError(kWrongKind, named(parameter), needed, scripting::kindInWords(given));
-}
-
-void refuseMissing(std::string_view parameter, std::string_view needed) {
-  throw core::ScriptError(kMissing, named(parameter), needed);
-}
 
 void requireList(const std::optional<ScriptValue>& direct) {
   if (!direct) refuseMissing(kDirectParameter, "a list");

@@ -8,19 +8,16 @@
 #include <vector>
 
 #include "core/command.h"
+#include "scripting/refusal.h"
 #include "values/record.h"
 #include "values/script_value.h"
 #include "values/value.h"
 
 namespace skerrow::lists {
 
-/// How messages name the direct parameter.
-inline constexpr std::string_view kDirectParameter = "direct parameter";
-
-/// Throws ScriptError -1700: "The direct parameter must be a list, not a text."
-[[noreturn]] void refuseKind(std::string_view parameter, std::string_view needed,
-                             const ScriptValue& given);
-[[noreturn]] void refuseMissing(std::string_view parameter, std::string_view needed);
+using scripting::kDirectParameter;
+using scripting::refuseKind;
+using scripting::refuseMissing;
 
 /// Refuses a direct parameter that is no list.
 void requireList(const std::optional<ScriptValue>& direct);

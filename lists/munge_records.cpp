@@ -61,24 +61,43 @@ class SKWMungeRecords final : public core::Command {
     const auto comparison = comparisonFromCode(option_);
     const auto isText = [](const Key& key) { return key.kind == SortKind::text; };
     if (!comparison && std::ranges::any_of(keys, isText)) throw ScriptError(kUnknownOption);
-    // Lists and the like cannot be compared; one alone need not be.
-    const auto isUnsortable = [](const Key& key) { return key.hasOthers && key.presentCount > 1; };
-    if (std::ranges::any_of(keys, isUnsortable)) throw ScriptError(kUnsortable);
     SortCriteria criteria(records.size());
     for (std::size_t i = 0; i < keys.size(); ++i) {
-      criteria.add(keys[i].values, keys[i].hasOthers ? SortKind::other : keys[i].kind,
+      criteria.add(keys[i].values, keys[i].kind,
                    comparison.value_or(foundation::TextComparison::sortPlain), directions_[i]);
     }
-    return inOrder(std::move(records), criteria.positions());
+    const std::vector<std::uint32_t> order = criteria.positions();
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+      if (keys[i].hasOthers) requireSortable(keys[i], order, i, criteria);
+    }
+    return inOrder(std::move(records), order);
   }
 
   // What the records have under a label: null where they have nothing.
   struct Key {
     std::vector<const Value*> values;
     SortKind kind = SortKind::text;
+    bool hasOthers = false;  // values that cannot be compared, such as lists
+  };
+
+  // Values that cannot be compared may stand only where the earlier keys leave
+  // nothing to compare them with.
+  static void requireSortable(const Key& key, const std::vector<std::uint32_t>& order,
+                              std::size_t earlierKeys, const SortCriteria& criteria) {
     std::size_t presentCount = 0;
     bool hasOthers = false;
-  };
+    for (std::size_t i = 0; i < order.size(); ++i) {
+      if (i == 0 || !criteria.areTied(order[i - 1], order[i], earlierKeys)) {
+        presentCount = 0;
+        hasOthers = false;
+      }
+      const Value* value = key.values[order[i]];
+      if (value == nullptr) continue;
+      ++presentCount;
+      hasOthers = hasOthers || sortKindOf(*value) == SortKind::other;
+      if (hasOthers && presentCount > 1) throw ScriptError(kUnsortable);
+    }
+  }
 
   static Key keyFrom(const Items& records, const Value& label) {
     Key key;
@@ -91,7 +110,6 @@ class SKWMungeRecords final : public core::Command {
       if (value != nullptr && value->isNull()) value = nullptr;
       key.values.push_back(value);
       if (value == nullptr) continue;
-      ++key.presentCount;
       const SortKind kind = sortKindOf(*value);
       hasTexts = hasTexts || kind == SortKind::text;
       hasNumbers = hasNumbers || kind == SortKind::number;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numeric>
 #include <string_view>
 #include <utility>
@@ -16,6 +17,7 @@ using foundation::TextComparison;
 
 namespace {
 
+constexpr std::uint32_t kRankOfOthers = std::numeric_limits<std::uint32_t>::max();
 constexpr std::uint32_t kFirstOption = 0x61E56531;  // sortPlain, and on from there
 
 // Dense ranks of values that are there, by their plain order.
@@ -99,16 +101,25 @@ void SortCriteria::add(const std::vector<const Value*>& values, SortKind kind,
                        TextComparison comparison, SortDirection direction) {
   std::vector<const Value*> present;
   present.reserve(values.size());
-  std::ranges::copy_if(values, std::back_inserter(present),
-                       [](const Value* value) { return value != nullptr; });
+  const auto isOfKind = [kind](const Value* value) {
+    return value != nullptr && sortKindOf(*value) == kind;
+  };
+  std::ranges::copy_if(values, std::back_inserter(present), isOfKind);
   const std::vector<std::uint32_t> presentRanks =
       kind == SortKind::text ? textRanks(present, comparison) : plainRanks(present);
   std::vector<std::uint32_t> ranks(itemCount_, 0);
   std::size_t next = 0;
   for (std::size_t i = 0; i < itemCount_; ++i) {
-    if (values[i] != nullptr) ranks[i] = presentRanks[next++] + 1;
+    if (values[i] == nullptr) continue;
+    ranks[i] = isOfKind(values[i]) ? presentRanks[next++] + 1 : kRankOfOthers;
   }
   criteria_.push_back({std::move(ranks), direction});
+}
+
+bool SortCriteria::areTied(std::uint32_t a, std::uint32_t b, std::size_t count) const {
+  return std::all_of(
+      criteria_.begin(), criteria_.begin() + static_cast<std::ptrdiff_t>(count),
+      [a, b](const Criterion& criterion) { return criterion.ranks[a] == criterion.ranks[b]; });
 }
 
 std::vector<std::uint32_t> SortCriteria::positions() const {

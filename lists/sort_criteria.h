@@ -43,10 +43,14 @@ class SortCriteria {
  public:
   explicit SortCriteria(std::size_t itemCount) : itemCount_(itemCount) {}
 
-  /// Adds a key with one value an item, all of one kind; null stands for an item
-  /// without a value, which comes first when ascending. The values stay where they are.
+  /// Adds a key with one value an item, of this kind; null stands for an item without
+  /// a value, which comes first when ascending. Values of other kinds come last and
+  /// have no order. The values stay where they are.
   void add(const std::vector<const Value*>& values, SortKind kind,
            foundation::TextComparison comparison, foundation::SortDirection direction);
+
+  /// Whether two items are the same by the first `count` keys.
+  [[nodiscard]] bool areTied(std::uint32_t a, std::uint32_t b, std::size_t count) const;
 
   /// The positions of the items in sorted order.
   [[nodiscard]] std::vector<std::uint32_t> positions() const;

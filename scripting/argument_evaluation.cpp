@@ -72,7 +72,9 @@ std::optional<Number> enumeratorCode(const ScriptValue& value) {
   }
   const auto number = core::numberFromScriptValue(value);
   if (!number || number->isReal() || number->kind() == NumberKind::boolean) return std::nullopt;
-  if (number->asInteger() < 0 || number->asInteger() > std::numeric_limits<std::uint32_t>::max()) {
+  // A code is 32 bits, and a script may have them as a negative integer.
+  if (number->asInteger() < std::numeric_limits<std::int32_t>::min() ||
+      number->asInteger() > std::numeric_limits<std::uint32_t>::max()) {
     return std::nullopt;
   }
   return Number::unsigned32(static_cast<std::uint32_t>(number->asInteger()));
@@ -116,11 +118,16 @@ std::optional<Value> plainValue(Kinds kinds, const ScriptValue& value) {
       "“" + std::string(argument.key) + "” takes " + takes + ", not " + given + ".");
 }
 
+// An integer of more than 32 bits, where an integer is taken.
+bool isLargeInteger(Kinds kinds, const ScriptValue& refused) {
+  const auto number = core::numberFromScriptValue(refused);
+  return contains(kinds, Kinds::integer) && number && !number->isReal() &&
+         !isBoolean(refused.type());
+}
+
 [[noreturn]] void refuse(const ArgumentEntry& argument, const ScriptValue& value) {
-  const auto number = core::numberFromScriptValue(value);
-  const bool isTooLarge = contains(argument.single, Kinds::integer) && number &&
-                          !number->isReal() && !isBoolean(value.type());
-  const bool isDamaged = core::isNumberType(value.type()) && !number;
+  const bool isTooLarge = isLargeInteger(argument.single, value);
+  const bool isDamaged = core::isNumberType(value.type()) && !core::numberFromScriptValue(value);
   refuse(argument, isTooLarge ? "an integer of 32 bits" : kindsInWords(argument),
          kindInWords(value) + (isDamaged ? " with damaged data" : ""));
 }
@@ -128,7 +135,10 @@ std::optional<Value> plainValue(Kinds kinds, const ScriptValue& value) {
 Value givenItems(const ArgumentEntry& argument, const ScriptValue& list) {
   for (const ScriptValue& item : list.items()) {
     if (!plainValue(argument.items, item)) {
-      refuse(argument, kindsInWords(argument), "a list with " + kindInWords(item));
+      refuse(argument,
+             isLargeInteger(argument.items, item) ? "a list of integers of 32 bits"
+                                                  : kindsInWords(argument),
+             "a list with " + kindInWords(item));
     }
   }
   return core::unpackListShallow(list);
@@ -154,7 +164,11 @@ std::string kindInWords(const ScriptValue& value) {
     return (number->isReal() ? "the real number " : "the integer ") + core::textFrom(*number);
   }
   if (type == "list"_code) return "a list";
-  if (value.hasFields()) return "a record";
+  if (value.type() == "reco"_code) return "a record";
+  if (value.hasFields()) {
+    return "a record of the class “" + foundation::utf8FromUtf16(foundation::textFromCode(type)) +
+           "”";
+  }
   if (value.isMissingValue() || type == "msng"_code) return "missing value";
   if (type == "null"_code) return "the null value";
   if (type == "ldt "_code) return "a date";

@@ -71,9 +71,7 @@ class SKWCleanString final : public core::Command {
   enum class Choice { absent, yes, no };
 
   void check() override {
-    if (!directParameter()) {
-      refuse(kDirectParameter, "a text, a list or a file", std::nullopt);
-    }
+    if (!directParameter()) refuseMissing(kDirectParameter, "a text, a list or a file");
     lineFeeds_ = choice("LFLikeCR") == Choice::yes ? LineFeeds::becomeReturns : LineFeeds::kept;
     tabs_ = choice("tabsLikeSpaces") == Choice::yes ? Tabs::becomeSpaces : Tabs::kept;
     isRemovingTags_ = choice("tagsRemoved") == Choice::yes;

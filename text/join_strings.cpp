@@ -54,7 +54,8 @@ std::string_view kindName(const Value& item) {
 class SKWJoinStrings final : public core::Command {
   void check() override {
     const auto& direct = directParameter();
-    if (!direct || direct->type() != "list"_code) refuse(kDirectParameter, "a list", direct);
+    if (!direct) refuseMissing(kDirectParameter, "a list");
+    if (direct->type() != "list"_code) refuseKind(kDirectParameter, "a list", *direct);
     if (direct->items().empty()) {
       answerAtOnce(Text());
       return;

@@ -103,9 +103,7 @@ class SKWMungeText final : public core::Command {
   static std::span<const Modification> modifications();
 
   void check() override {
-    if (!directParameter()) {
-      refuse(kDirectParameter, "a text, a list or a file", std::nullopt);
-    }
+    if (!directParameter()) refuseMissing(kDirectParameter, "a text, a list or a file");
     const core::Arguments& arguments = evaluatedArguments();
     if (const Value* options = arguments.find("stringMungeOption")) readOptions(*options);
     if (const auto given = textArgument(arguments.find("padString"))) padString_ = *given;

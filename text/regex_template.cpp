@@ -10,9 +10,11 @@ namespace skerrow::text {
 
 namespace {
 
+constexpr bool isDigit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
+
+// Letters and digits; the first must be a letter.
 constexpr bool isNameUnit(char16_t unit) {
-  return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z') ||
-         (unit >= u'0' && unit <= u'9');
+  return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z') || isDigit(unit);
 }
 
 }  // namespace
@@ -75,7 +77,7 @@ class RegexTemplate::Parser {
     if (next_ == source_.size() || source_[next_] != u'{') return false;
     const auto* const begin = source_.begin() + next_ + 1;
     const auto* const end = std::find_if_not(begin, source_.end(), isNameUnit);
-    if (end == source_.end() || *end != u'}') return false;
+    if (end == source_.end() || *end != u'}' || begin == end || isDigit(*begin)) return false;
     const std::u16string_view name(begin, end);
     next_ += name.size() + 2;
     if (const auto group = regex_.groupNumber(name)) endPiece(*group);

@@ -38,13 +38,13 @@ class SKWReplaceString final : public core::Command {
     const auto& direct = directParameter();
     const std::optional<Text> sought =
         direct ? core::textFromScriptValue(*direct) : std::optional<Text>();
-    if (direct && !sought) refuse(kDirectParameter, "a text", *direct);
+    if (direct && !sought) refuseKind(kDirectParameter, "a text", *direct);
     replacement_ = textArgument(arguments.find("replacementPattern"));
     const Value* searched = arguments.find("stringToSearch");
     isOnlyFirst_ = arguments.isSet("onlyFirst");
     isOnlyLast_ = arguments.isSet("onlyLast");
     if (isOnlyFirst_ && isOnlyLast_) throw ScriptError(kFirstAndLast);
-    if (searched == nullptr) refuse("stringToSearch", "a text, a list or a file", std::nullopt);
+    if (searched == nullptr) refuseMissing("stringToSearch", "a text, a list or a file");
     searched_ = searched->raw();
     search_.emplace(
         sought.value_or(Text()).view(),

@@ -1,11 +1,9 @@
 #include "text/text_input.h"
 
-#include <string>
 #include <utility>
 
 #include "core/unpack.h"
 #include "platform/platform_error.h"
-#include "scripting/argument_evaluation.h"
 
 namespace skerrow::text {
 
@@ -14,10 +12,6 @@ using core::ErrorEntry;
 using core::ScriptError;
 
 namespace {
-
-constexpr ErrorEntry kWrongKind = {core::scripting_error::kWrongKind, "The %@ must be %@, not %@."};
-constexpr ErrorEntry kMissing = {core::scripting_error::kWrongKind,
-                                 "The %@ must be %@, and it is missing."};
 
 bool isList(const ScriptValue& value) { return value.type() == "list"_code; }
 
@@ -87,15 +81,6 @@ Value convertTextOrTexts(const ScriptValue& textOrList, const ErrorEntry& otherw
 std::optional<Text> textArgument(const Value* argument) {
   if (argument == nullptr) return std::nullopt;
   return argument->sharedText();
-}
-
-void refuse(std::string_view parameter, std::string_view needed,
-            const std::optional<ScriptValue>& given) {
-  const std::string name = parameter == kDirectParameter
-                               ? std::string(parameter)
-                               : "argument “" + std::string(parameter) + "”";
-  if (!given) throw ScriptError(kMissing, name, needed);
-  throw ScriptError(kWrongKind, name, needed, scripting::kindInWords(*given));
 }
 
 }  // namespace skerrow::text

@@ -5,15 +5,19 @@
 
 #include <functional>
 #include <optional>
-#include <string_view>
 #include <vector>
 
 #include "core/cancel_token.h"
 #include "core/script_error.h"
+#include "scripting/refusal.h"
 #include "values/script_value.h"
 #include "values/value.h"
 
 namespace skerrow::text {
+
+using scripting::kDirectParameter;
+using scripting::refuseKind;
+using scripting::refuseMissing;
 
 /// The text of the file that a file reference names. A file that cannot be read
 /// throws ScriptError with this number and the reason as its message.
@@ -49,13 +53,5 @@ Value convertTextOrTexts(const ScriptValue& textOrList, const core::ErrorEntry& 
 
 /// A text argument that may be left out.
 std::optional<Text> textArgument(const Value* argument);
-
-/// Throws ScriptError -1700 where a command has no failure of its own for a value
-/// that is missing or of the wrong kind: "The direct parameter must be a list, and
-/// it is missing."
-[[noreturn]] void refuse(std::string_view parameter, std::string_view needed,
-                         const std::optional<ScriptValue>& given);
-
-inline constexpr std::string_view kDirectParameter = "direct parameter";
 
 }  // namespace skerrow::text

@@ -170,10 +170,10 @@ struct EndOfThread {
 // ended already, and it waits for the one that adds.
 void addWhileClosing() {
   Signal idleThreadEnded;
+  Signal bothRun;
+  Signal firstMayEnd;
   {
     WorkerPool pool;
-    Signal bothRun;
-    Signal firstMayEnd;
     pool.run([&] {
       static thread_local EndOfThread end;
       end.signal = &idleThreadEnded;

@@ -138,7 +138,7 @@ TEST(MakeListDescriptorForArrayOfDescriptors, TakesRawItemsAsTheyAre) {
 TEST(MakeListDescriptorForArrayOfDescriptors, NothingWhenAnyItemIsNotRaw) {
   const Value raw = ScriptValue::integer32(1);
   for (const Items& items :
-       {Items{u"a"}, Items{raw, Value()}, Items{Items{raw}}, Items{raw, u"a", raw}}) {
+       {Items{u"a"}, Items{raw, Value()}, Items{Value(Items{raw})}, Items{raw, u"a", raw}}) {
     EXPECT_EQ(makeListDescriptorForArrayOfDescriptors(items), std::nullopt)
         << described(Value(items));
   }

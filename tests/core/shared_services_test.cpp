@@ -45,6 +45,13 @@ TEST(SharedServices, KeepNothingThatNobodyAskedFor) {
   EXPECT_EQ(Counted::made, 0);
 }
 
+TEST(SharedServices, GiveWhatWasProvided) {
+  SharedServices services;
+  const auto provided = std::make_shared<Other>();
+  services.provide(provided);
+  EXPECT_EQ(services.of<Other>(), provided);
+}
+
 TEST(SharedServices, LetAHeldObjectOutliveThem) {
   std::shared_ptr<Other> held;
   {

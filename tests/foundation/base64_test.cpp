@@ -59,7 +59,7 @@ TEST(Base64, RefusesWhatIsNotExactlyBase64) {
 
 // Long content is encoded in pieces of 48 KiB, which must join without padding.
 TEST(Base64, KeepsContentAroundTheEdgesOfPieces) {
-  for (const std::size_t count : {48 * 1024 - 1, 48 * 1024, 48 * 1024 + 1, 3 * 48 * 1024 + 2}) {
+  for (const std::size_t count : {48U * 1024 - 1, 48U * 1024, 48U * 1024 + 1, 3U * 48 * 1024 + 2}) {
     std::string bytes(count, '\0');
     for (std::size_t i = 0; i < count; ++i) bytes[i] = static_cast<char>(i * 31);
     const std::string text = base64FromBytes(bytes);

@@ -66,6 +66,42 @@ TEST(DateParser, TakesMissingFieldsFromTheStartOf2000) {
   EXPECT_EQ(parsed(u"HH", u"01", "en_GB", u"Europe/Berlin"), at(2000, 1, 1, 0));
 }
 
+// What else a pattern says of a day does not move the date, wherever it stands.
+TEST(DateParser, TakesTheDateAsItStandsBesideItsWeek) {
+  const struct {
+    const char16_t* pattern;
+    const char16_t* text;
+    double expected;
+  } cases[] = {
+      {u"yyyy-MM-dd EEEE", u"2024-03-01 Friday", at(2024, 3, 1)},
+      {u"EEE, dd MMM yyyy", u"Fri, 01 Mar 2024", at(2024, 3, 1)},
+      {u"dd MMM yyyy, EEE", u"01 Mar 2024, Fri", at(2024, 3, 1)},
+      {u"M/d/yyyy (EEE)", u"12/25/2023 (Mon)", at(2023, 12, 25)},
+      {u"yyyy-MM-dd e", u"2024-03-01 6", at(2024, 3, 1)},
+      {u"yyyy-MM-dd w", u"2024-03-01 9", at(2024, 3, 1)},
+      {u"yyyy-MM-dd W", u"2024-03-15 3", at(2024, 3, 15)},
+      {u"yyyy D", u"2024 60", at(2024, 2, 29)},
+      {u"dd.MM.yyyy EEEE HH:mm", u"01.03.2024 Friday 15:05", at(2024, 3, 1, 54300)},
+  };
+  for (const auto& each : cases) {
+    EXPECT_EQ(parsed(each.pattern, each.text), each.expected) << utf8FromUtf16(each.pattern);
+  }
+}
+
+TEST(DateParser, CountsWeeksWhereNoDayIsGiven) {
+  EXPECT_EQ(parsed(u"YYYY-'W'ww-e", u"2024-W09-5", "en_GB"), at(2024, 3, 1));
+  EXPECT_EQ(parsed(u"YYYY ww EEE", u"2024 09 Fri", "en_GB"), at(2024, 3, 1));
+}
+
+TEST(DateParser, ReadsHoursOfEitherClock) {
+  EXPECT_EQ(parsed(u"HH:mm a", u"09:30 AM"), at(2000, 1, 1, 34200));
+  EXPECT_EQ(parsed(u"HH:mm a", u"15:05 PM"), at(2000, 1, 1, 54300));
+  EXPECT_EQ(parsed(u"a HH:mm", u"PM 15:05"), at(2000, 1, 1, 54300));
+  EXPECT_EQ(parsed(u"h:mm a", u"3:05 PM"), at(2000, 1, 1, 54300));
+  EXPECT_EQ(parsed(u"a h:mm", u"AM 12:05"), at(2000, 1, 1, 300));
+  EXPECT_EQ(parsed(u"yyyy-MM-dd h a", u"2024-03-01 3 PM"), at(2024, 3, 1, 54000));
+}
+
 TEST(DateParser, RefusesWhatDoesNotFit) {
   const struct {
     const char16_t* pattern;

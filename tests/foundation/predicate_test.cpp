@@ -875,10 +875,10 @@ TEST(Predicate, SaysWhatIsWrongWithAFormatAndWhere) {
        "two or u and four hexadecimal digits."},
       {u"@sum = 1",
        "“@sum = 1” (character 1): The collection operator “@sum” needs a key behind "
-       "it; “self” stands for the items themselves."},
+       "it; “self” stands for numbers and texts themselves."},
       {u"a.@max > 1",
        "“a.@max > 1” (character 1): The collection operator “@max” needs a key "
-       "behind it; “self” stands for the items themselves."},
+       "behind it; “self” stands for numbers and texts themselves."},
       {u"a[0 = 1", "“0 = 1” (character 3): a value is needed, and this is a condition."},
       {u"a[0", "its end: “]” is missing."},
       {u"a[] = 1", "“] = 1” (character 3): a value is missing."},
@@ -961,7 +961,7 @@ TEST(Predicate, SaysWhichArgumentsItCannotUse) {
       {u"%K = 1",
        {u"@sum"},
        "“%K = 1” (character 1): The collection operator “@sum” needs a key "
-       "behind it; “self” stands for the items themselves."},
+       "behind it; “self” stands for numbers and texts themselves."},
       {u"a = %d", {u"x"}, "“%d” (character 5): the argument is no number."},
       {u"a = %s", {integer(1)}, "“%s” (character 5): the argument is no text."},
       {u"a BETWEEN %@",

@@ -47,6 +47,9 @@ TEST(TextSearch, FindsEveryOccurrenceFromTheFront) {
   const Case cases[] = {
       {kLiteral, u"cat", u"Cat cat CAT", "Cat [cat] CAT"},
       {kLiteral, u"aa", u"aaaaa", "[aa][aa]a"},
+      {kLiteral, u"\xD83D", u"a😀b", "a😀b"},  // half of a surrogate pair
+      {kLiteral, u"\xDE00", u"a😀b", "a😀b"},
+      {kLiteral, u"😀", u"a😀😀b", "a[😀][😀]b"},
       {kLiteral, u"aab", u"aaab", "a[aab]"},
       {kLiteral, u"", u"abc", "abc"},
       {kLiteral, u"abc", u"", ""},

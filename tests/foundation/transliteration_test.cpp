@@ -107,6 +107,27 @@ RC_GTEST_PROP(Transliteration, AgreesWithTheOneCallFormOfEveryTransform, ()) {
   RC_ASSERT(utf8FromUtf16(ours->apply(text)) == utf8FromUtf16(appliedInOneCall(*transform, text)));
 }
 
+// Long texts are worked on in pieces, which must not show.
+TEST(Transliteration, AgreesWithTheOneCallFormOnLongTexts) {
+  const std::vector<std::u16string> lines = {
+      u"Straße “ΣΑΣ” οδός\n", u"ไทยแลนด์ กรุงเทพ\n",        u"\n",  u"щука Ёж\r\n",
+      u"’t 漢字かな ー ッ\n", u"\u0301é e\u0301\u0345\n", u"-\n", u"ǅ ijs i\u0307\n",
+      u"क्ष १२ 각\n",
+  };
+  std::u16string text;
+  for (std::size_t i = 0; text.size() < 20'000; ++i) text += lines[i * i % 97 % lines.size()];
+  for (const char16_t* identifier :
+       {u"Any-Latin", u"Thai-Latin", u"Latin-ASCII", u"Any-Title", u"Lower", u"Greek-Latin",
+        u"Any-NFKC", u"Any-Publishing", u"NFD; [:M:] Remove; NFC", u"[\\n] Remove; Any-Title"}) {
+    UErrorCode status = U_ZERO_ERROR;
+    const std::unique_ptr<icu::Transliterator> transform(
+        icu::Transliterator::createInstance(identifier, UTRANS_FORWARD, status));
+    ASSERT_NE(transform, nullptr) << utf8FromUtf16(identifier);
+    EXPECT_EQ(Transliteration::make(identifier)->apply(text), appliedInOneCall(*transform, text))
+        << utf8FromUtf16(identifier);
+  }
+}
+
 TEST(Transliteration, TakesLongTextsInItsStride) {
   std::u16string text;
   std::u16string expected;

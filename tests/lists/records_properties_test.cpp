@@ -203,7 +203,7 @@ RC_GTEST_PROP(LinkValuesWithLabels, MakesRecordsThatGiveTheValuesBack, ()) {
   const Value record = resultOf("SKWLinkValuesWithLabels", values, {{"withLabels", labels}});
   RC_ASSERT(isExactly(resultOf("SKWAllLabelsOfRecord", record), labels));
   RC_ASSERT(isExactly(resultOf("SKWValuesForLabel", labels, {{"inRecords", Items{record}}}),
-                      Items{values}));
+                      Items{Value(values)}));
   RC_ASSERT(isExactly(
       resultOf("SKWLinkValueListsWithLabels", Items{values, values}, {{"withLabels", labels}}),
       Items{record, record}));

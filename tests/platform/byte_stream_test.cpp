@@ -88,7 +88,7 @@ TEST(ReadWholeFile, SaysWhyAFileCannotBeOpened) {
       {folder.path(std::string(300, 'x')), "File name too long."},
   };
   for (const auto& [path, reason] : rows) {
-    EXPECT_EQ(failureOf([&] { readWholeFile(path); }),
+    EXPECT_EQ(failureOf([&path = path] { readWholeFile(path); }),
               "Could not open the file “" + path + "”: " + reason);
   }
 }

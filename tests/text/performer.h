@@ -5,6 +5,7 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -13,6 +14,7 @@
 #include "core/main_loop.h"
 #include "core/operation_queue.h"
 #include "core/script_compiler.h"
+#include "core/shared_services.h"
 #include "scripting/dictionary.h"
 #include "scripting/dispatcher.h"
 #include "scripting/typed_json_reader.h"
@@ -22,6 +24,10 @@ namespace skerrow::text {
 
 class Performer {
  public:
+  explicit Performer(
+      std::shared_ptr<core::SharedServices> services = std::make_shared<core::SharedServices>())
+      : services_(std::move(services)) {}
+
   core::Reply reply(scripting::Event event) { return dispatcher_.perform(std::move(event)); }
 
   /// The answer to an event, both as lines of typed JSON.
@@ -34,13 +40,14 @@ class Performer {
   }
 
  private:
+  std::shared_ptr<core::SharedServices> services_;
   core::NoApplication application_;
   core::NoScriptCompiler compiler_;
   core::MainLoop loop_;
   core::WorkerPool pool_;
-  scripting::Dispatcher dispatcher_{scripting::skerrowDictionary(),
-                                    scripting::skerrowDictionaryClasses(), loop_,
-                                    core::CommandContext{application_, pool_, compiler_}};
+  scripting::Dispatcher dispatcher_{
+      scripting::skerrowDictionary(), scripting::skerrowDictionaryClasses(), loop_,
+      core::CommandContext{application_, pool_, compiler_, services_}};
 };
 
 /// A folder of its own for a test's files, removed with them.

@@ -58,7 +58,8 @@ TEST(RegexTemplate, InsertsGroupsAndLiterals) {
       {u"${third}${third}", "<cc>"},
       {u"${none}x", "<x>"},
       {u"${third", "<${third>"},
-      {u"${}", "<>"},
+      {u"${}", "<${}>"},
+      {u"${1}", "<${1}>"},  // no name begins with a digit
       {u"${a-b}", "<${a-b}>"},
       {u"$１", "<a>"},  // a digit of another script
       {u"é😀", "<é😀>"},

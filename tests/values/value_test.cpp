@@ -50,7 +50,7 @@ std::vector<Value> distinctValues() {
       Items{Value()},
       Items{one()},
       Items{one(), one()},
-      Items{Items{one()}},
+      Items{Value(Items{one()})},
       Items{one(), Items{}},
       Items{Items{}, one()},
       Record{},
@@ -196,7 +196,7 @@ TEST(Value, MovingLeavesNullBehind) {
 }
 
 TEST(Value, SurvivesAssignmentFromAPartOfItself) {
-  Value list = Items{Items{u"inner"}};
+  Value list = Items{Value(Items{u"inner"})};
   list = list.items()[0];
   EXPECT_EQ(described(list), "[“inner”]");
   Value record = Record{{u"a", Record{{u"b", u"inner"}}}};

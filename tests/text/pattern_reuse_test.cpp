@@ -1,0 +1,50 @@
+// A script that calls commands in a loop with one pattern compiles it once.
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "tests/text/performer.h"
+#include "text/regex_service.h"
+
+namespace skerrow::text {
+namespace {
+
+TEST(PatternReuse, CompilesThePatternOfAHundredThousandCallsOnce) {
+  int compilations = 0;
+  const auto services = std::make_shared<core::SharedServices>();
+  services->provide(std::make_shared<RegexService>([&compilations](const RegexCacheEvent& event) {
+    if (event.kind == RegexCacheEvent::Kind::miss) ++compilations;
+  }));
+  Performer performer(services);
+  for (int call = 0; call < 100'000; ++call) {
+    ASSERT_EQ(performer.answer(R"({"command": "SKWFindIt", "direct": "\\d+", )"
+                               R"("arguments": {"stringToSearch": "a1b22"}})"),
+              R"({"result":["1","22"]})"
+              "\n");
+  }
+  EXPECT_EQ(compilations, 1);
+}
+
+// Replacing, splitting and finding share what was compiled.
+TEST(PatternReuse, ReachesAcrossTexts) {
+  int compilations = 0;
+  const auto services = std::make_shared<core::SharedServices>();
+  services->provide(std::make_shared<RegexService>([&compilations](const RegexCacheEvent& event) {
+    if (event.kind == RegexCacheEvent::Kind::miss) ++compilations;
+  }));
+  Performer performer(services);
+  EXPECT_EQ(performer.answer(R"({"command": "SKWFindIt", "direct": "b", "arguments": )"
+                             R"({"stringToSearch": ["ab", "bc"], "replacementPattern": "-"}})"),
+            R"({"result":["a-","-c"]})"
+            "\n");
+  EXPECT_EQ(performer.answer(R"({"command": "SKWFindIt", "direct": "b", "arguments": )"
+                             R"({"stringToSearch": "abc", "invertFlag": true}})"),
+            R"({"result":["a","c"]})"
+            "\n");
+  EXPECT_EQ(compilations, 1);
+}
+
+}  // namespace
+}  // namespace skerrow::text
