@@ -72,7 +72,7 @@ class SKWMungeList final : public core::Command {
 
   bool isUnique_ = false;
   bool isAscending_ = true;
-  TextComparison comparison_ = TextComparison::sortLocalizedStandard;
+  TextComparison comparison_ = TextComparison::sortPlain;
 };
 
 }  // namespace

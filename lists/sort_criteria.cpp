@@ -122,17 +122,38 @@ bool SortCriteria::areTied(std::uint32_t a, std::uint32_t b, std::size_t count) 
       [a, b](const Criterion& criterion) { return criterion.ranks[a] == criterion.ranks[b]; });
 }
 
+std::uint32_t SortCriteria::rankOf(std::size_t criterion, std::uint32_t item) const {
+  const Criterion& by = criteria_[criterion];
+  return by.direction == SortDirection::ascending ? by.ranks[item] : ~by.ranks[item];
+}
+
 std::vector<std::uint32_t> SortCriteria::positions() const {
-  std::vector<std::uint32_t> order(itemCount_);
-  std::iota(order.begin(), order.end(), 0U);
-  std::ranges::stable_sort(order, [this](std::uint32_t a, std::uint32_t b) {
-    for (const Criterion& criterion : criteria_) {
-      if (criterion.ranks[a] == criterion.ranks[b]) continue;
-      return (criterion.ranks[a] < criterion.ranks[b]) ==
-             (criterion.direction == SortDirection::ascending);
+  // The ranks of the first two keys lie beside the position, as most comparisons
+  // need no more.
+  struct Entry {
+    std::uint64_t ranks;
+    std::uint32_t position;
+  };
+  constexpr std::size_t kBeside = 2;
+  std::vector<Entry> entries(itemCount_);
+  for (std::uint32_t i = 0; i < itemCount_; ++i) {
+    entries[i] = {0, i};
+    for (std::size_t key = 0; key < kBeside; ++key) {
+      entries[i].ranks = entries[i].ranks << 32U | (key < criteria_.size() ? rankOf(key, i) : 0);
     }
-    return false;
+  }
+  std::ranges::sort(entries, [this](const Entry& a, const Entry& b) {
+    if (a.ranks != b.ranks) return a.ranks < b.ranks;
+    for (std::size_t key = kBeside; key < criteria_.size(); ++key) {
+      const std::uint32_t first = rankOf(key, a.position);
+      const std::uint32_t second = rankOf(key, b.position);
+      if (first != second) return first < second;
+    }
+    return a.position < b.position;
   });
+  std::vector<std::uint32_t> order;
+  order.reserve(itemCount_);
+  for (const Entry& entry : entries) order.push_back(entry.position);
   return order;
 }
 

@@ -61,6 +61,9 @@ class SortCriteria {
     foundation::SortDirection direction;
   };
 
+  // The item's rank by a key, turned round for a descending order.
+  [[nodiscard]] std::uint32_t rankOf(std::size_t criterion, std::uint32_t item) const;
+
   std::size_t itemCount_;
   std::vector<Criterion> criteria_;
 };
