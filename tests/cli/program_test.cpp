@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "scripting/dictionary.h"
-#include "tests/platform/scratch_folder.h"
 #include "tests/support/program.h"
+#include "tests/support/scratch_folder.h"
 
 namespace skerrow::tests {
 namespace {

@@ -10,8 +10,8 @@
 #include <string_view>
 #include <vector>
 
-#include "tests/platform/scratch_folder.h"
 #include "tests/support/program.h"
+#include "tests/support/scratch_folder.h"
 
 // What the program's memory is worth measuring for: sanitizers keep much more.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)

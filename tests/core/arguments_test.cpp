@@ -3,7 +3,7 @@
 #include <cstdint>
 
 #include "core/command.h"
-#include "tests/values/describe.h"
+#include "tests/support/describe.h"
 #include "values/value.h"
 
 namespace skerrow::core {

@@ -17,8 +17,8 @@
 #include "core/operation_queue.h"
 #include "core/script_compiler.h"
 #include "tests/core/waiting.h"
-#include "tests/values/building.h"
-#include "tests/values/describe.h"
+#include "tests/support/building.h"
+#include "tests/support/describe.h"
 #include "values/depth.h"
 
 namespace skerrow::core {

@@ -1,7 +1,6 @@
 #include "core/pack.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include <cmath>
 #include <cstdint>
@@ -11,8 +10,8 @@
 
 #include "core/unpack.h"
 #include "foundation/code_text.h"
-#include "tests/values/building.h"
-#include "tests/values/generators.h"
+#include "tests/support/building.h"
+#include "tests/support/generators.h"
 #include "values/depth.h"
 
 namespace skerrow::core {
@@ -324,18 +323,21 @@ Value narrowed(const Value& value) {
   }
 }
 
-RC_GTEST_PROP(PackAndUnpack, KeepEveryValueUpToTheNarrowing, (const Value& value)) {
+RC_GTEST_PROP(PackAndUnpack, KeepEveryValueUpToTheNarrowing, ()) {
+  const Value value = *tests::anyValue();
   const auto packed = makeDescriptor(value);
   RC_ASSERT(packed.has_value());
   RC_ASSERT(described(unpack(*packed)) == described(narrowed(value)));
 }
 
-RC_GTEST_PROP(PackAndUnpack, AreStableAfterTheFirstTime, (const Value& value)) {
+RC_GTEST_PROP(PackAndUnpack, AreStableAfterTheFirstTime, ()) {
+  const Value value = *tests::anyValue();
   const auto once = makeDescriptor(*unpack(*makeDescriptor(value)));
   RC_ASSERT(described(makeDescriptor(*unpack(*once))) == described(once));
 }
 
-RC_GTEST_PROP(MakeDescriptor, HandingAValueOverGivesTheSameAsLeavingIt, (const Value& value)) {
+RC_GTEST_PROP(MakeDescriptor, HandingAValueOverGivesTheSameAsLeavingIt, ()) {
+  const Value value = *tests::anyValue();
   const std::string expected = described(makeDescriptor(value));
   const std::string before = described(value);
   RC_ASSERT(described(makeDescriptor(Value(value))) == expected);

@@ -11,9 +11,9 @@
 #include "core/unpack.h"
 #include "foundation/url.h"
 #include "platform/platform_error.h"
-#include "tests/platform/scratch_folder.h"
-#include "tests/values/building.h"
-#include "tests/values/describe.h"
+#include "tests/support/building.h"
+#include "tests/support/describe.h"
+#include "tests/support/scratch_folder.h"
 
 namespace skerrow::core {
 namespace {

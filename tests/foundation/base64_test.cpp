@@ -1,12 +1,11 @@
 #include "foundation/base64.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include <string>
 #include <utility>
 
-#include "tests/values/generators.h"
+#include "tests/support/generators.h"
 
 namespace skerrow::foundation {
 namespace {

@@ -1,13 +1,13 @@
 #include "foundation/case_mapping.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 #include <unicode/ustring.h>
 
 #include <string>
 #include <vector>
 
 #include "foundation/text_encoding.h"
+#include "tests/support/properties.h"
 
 namespace skerrow::foundation {
 namespace {

@@ -1,11 +1,11 @@
 #include "foundation/code_text.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include <string>
 
-#include "tests/values/describe.h"
+#include "tests/support/describe.h"
+#include "tests/support/properties.h"
 
 namespace skerrow::foundation {
 namespace {
@@ -49,7 +49,8 @@ TEST(CodeText, OnlyAKeyOfSixCharactersBetweenAngleMarksNamesAKeyword) {
   EXPECT_EQ(keywordFromKey(u"«««»»»"), FourCharCode{0xC7C7C8C8});
 }
 
-RC_GTEST_PROP(CodeText, EveryCodeIsTextAndKeyAndBack, (std::uint32_t seed)) {
+RC_GTEST_PROP(CodeText, EveryCodeIsTextAndKeyAndBack, ()) {
+  const auto seed = *rc::gen::arbitrary<std::uint32_t>();
   const FourCharCode code{seed * 2654435761U};
   RC_ASSERT(codeFromText(textFromCode(code)) == code);
   RC_ASSERT(keywordFromKey(keyFromKeyword(code)) == code);

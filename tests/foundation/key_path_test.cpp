@@ -1,14 +1,13 @@
 #include "foundation/key_path.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck.h>
-#include <rapidcheck/gtest.h>
 
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "foundation/text_encoding.h"
+#include "tests/support/properties.h"
 #include "values/depth.h"
 #include "values/record.h"
 

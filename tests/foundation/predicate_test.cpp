@@ -1,8 +1,6 @@
 #include "foundation/predicate.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck.h>
-#include <rapidcheck/gtest.h>
 
 #include <limits>
 #include <string>
@@ -11,6 +9,7 @@
 #include <vector>
 
 #include "foundation/text_encoding.h"
+#include "tests/support/properties.h"
 #include "values/depth.h"
 #include "values/record.h"
 

@@ -1,8 +1,6 @@
 #include "foundation/text_comparison.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck.h>
-#include <rapidcheck/gtest.h>
 
 #include <algorithm>
 #include <compare>
@@ -17,6 +15,7 @@
 #include "foundation/text_encoding.h"
 #include "foundation/text_relation.h"
 #include "foundation/text_sort.h"
+#include "tests/support/properties.h"
 
 namespace skerrow::foundation {
 namespace {

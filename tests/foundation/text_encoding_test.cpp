@@ -2,14 +2,13 @@
 
 #include <gtest/gtest.h>
 #include <iconv.h>
-#include <rapidcheck/gtest.h>
 
 #include <cstring>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "tests/values/generators.h"
+#include "tests/support/generators.h"
 
 namespace skerrow::foundation {
 namespace {

@@ -1,12 +1,12 @@
 #include "foundation/text_search.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include <string>
 #include <vector>
 
 #include "foundation/text_encoding.h"
+#include "tests/support/properties.h"
 
 namespace skerrow::foundation {
 namespace {

@@ -1,7 +1,6 @@
 #include "foundation/transliteration.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 #include <unicode/translit.h>
 
 #include <memory>
@@ -9,6 +8,7 @@
 #include <vector>
 
 #include "foundation/text_encoding.h"
+#include "tests/support/properties.h"
 
 namespace skerrow::foundation {
 namespace {

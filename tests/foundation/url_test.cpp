@@ -1,13 +1,12 @@
 #include "foundation/url.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include <algorithm>
 #include <optional>
 #include <string>
 
-#include "tests/values/generators.h"
+#include "tests/support/generators.h"
 
 namespace skerrow::foundation {
 namespace {

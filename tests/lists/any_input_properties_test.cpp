@@ -2,7 +2,6 @@
 // its own or of the scripting layer, never with another failure.
 
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include <algorithm>
 #include <string>
@@ -10,6 +9,7 @@
 #include <vector>
 
 #include "tests/lists/command_results.h"
+#include "tests/support/in_process.h"
 
 namespace skerrow::lists {
 namespace {

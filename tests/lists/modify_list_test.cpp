@@ -10,7 +10,7 @@
 #include <string>
 
 #include "core/script_error.h"
-#include "tests/values/describe.h"
+#include "tests/support/describe.h"
 #include "values/record.h"
 #include "values/script_value.h"
 

@@ -1,7 +1,6 @@
 // Laws that the commands for records, and looking in lists, keep for all values.
 
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include <algorithm>
 #include <string>
@@ -9,6 +8,7 @@
 #include <vector>
 
 #include "tests/lists/command_results.h"
+#include "values/record.h"
 
 namespace skerrow::lists {
 namespace {

@@ -1,7 +1,6 @@
 // Laws that the sorting commands keep for all lists.
 
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include <algorithm>
 #include <cmath>
@@ -15,6 +14,7 @@
 #include "foundation/number_arithmetic.h"
 #include "foundation/text_comparison.h"
 #include "tests/lists/command_results.h"
+#include "values/record.h"
 
 namespace skerrow::lists {
 namespace {

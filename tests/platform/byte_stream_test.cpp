@@ -13,7 +13,7 @@
 #include <utility>
 
 #include "platform/platform_error.h"
-#include "tests/platform/scratch_folder.h"
+#include "tests/support/scratch_folder.h"
 
 namespace skerrow::platform {
 namespace {

@@ -10,8 +10,8 @@
 
 #include "core/script_error.h"
 #include "tests/scripting/test_commands.h"
-#include "tests/values/building.h"
-#include "tests/values/describe.h"
+#include "tests/support/building.h"
+#include "tests/support/describe.h"
 
 namespace skerrow::scripting {
 namespace {

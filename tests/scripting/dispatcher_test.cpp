@@ -16,8 +16,8 @@
 #include "core/script_compiler.h"
 #include "foundation/text_encoding.h"
 #include "tests/scripting/test_commands.h"
-#include "tests/values/building.h"
-#include "tests/values/describe.h"
+#include "tests/support/building.h"
+#include "tests/support/describe.h"
 
 namespace skerrow::scripting {
 namespace {

@@ -9,7 +9,7 @@
 #include <memory>
 #include <string>
 
-#include "tests/platform/scratch_folder.h"
+#include "tests/support/scratch_folder.h"
 
 namespace skerrow::scripting {
 namespace {

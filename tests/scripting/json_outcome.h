@@ -10,7 +10,7 @@
 
 #include "scripting/json_source.h"
 #include "scripting/typed_json_reader.h"
-#include "tests/values/describe.h"
+#include "tests/support/describe.h"
 
 namespace skerrow::tests {
 

@@ -1,14 +1,13 @@
 #include "scripting/json_source.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include <string>
 #include <vector>
 
 #include "foundation/text_encoding.h"
 #include "tests/scripting/json_outcome.h"
-#include "tests/values/generators.h"
+#include "tests/support/generators.h"
 
 namespace skerrow::scripting {
 namespace {

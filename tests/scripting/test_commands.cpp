@@ -10,7 +10,7 @@
 #include "core/script_error.h"
 #include "core/unpack.h"
 #include "foundation/text_encoding.h"
-#include "tests/values/describe.h"
+#include "tests/support/describe.h"
 
 namespace skerrow {
 

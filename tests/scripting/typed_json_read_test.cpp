@@ -8,7 +8,7 @@
 
 #include "scripting/typed_json_reader.h"
 #include "tests/scripting/json_outcome.h"
-#include "tests/values/building.h"
+#include "tests/support/building.h"
 #include "values/depth.h"
 
 namespace skerrow::scripting {

@@ -1,12 +1,12 @@
 #include "text/csv_reader.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include <string>
 #include <vector>
 
 #include "foundation/character_sets.h"
+#include "tests/support/properties.h"
 
 namespace skerrow::text {
 namespace {

@@ -1,7 +1,6 @@
 #include "text/regex_template.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 #include <unicode/uregex.h>
 
 #include <optional>
@@ -9,6 +8,7 @@
 #include <vector>
 
 #include "foundation/text_encoding.h"
+#include "tests/support/properties.h"
 #include "tests/text/text_literal.h"
 #include "text/regex_service.h"
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/values/building.h"
+#include "tests/support/building.h"
 #include "values/record.h"
 #include "values/script_value.h"
 #include "values/value.h"

@@ -1,14 +1,13 @@
 #include "values/record.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "tests/values/generators.h"
+#include "tests/support/generators.h"
 
 namespace skerrow {
 namespace {
@@ -131,8 +130,8 @@ TEST(Record, EqualityDoesNotSeeTheOrderAtAnySize) {
 }
 
 // Against the plainest implementation there is.
-RC_GTEST_PROP(Record, AgreesWithALineOfPairs,
-              (const std::vector<std::pair<std::uint8_t, std::uint8_t>>& steps)) {
+RC_GTEST_PROP(Record, AgreesWithALineOfPairs, ()) {
+  const auto steps = *rc::gen::arbitrary<std::vector<std::pair<std::uint8_t, std::uint8_t>>>();
   Record record;
   std::vector<std::pair<Value, Value>> model;
   for (const auto& [keyDigit, valueDigit] : steps) {

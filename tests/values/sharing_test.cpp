@@ -9,8 +9,8 @@
 #include <thread>
 #include <vector>
 
-#include "tests/values/building.h"
-#include "tests/values/describe.h"
+#include "tests/support/building.h"
+#include "tests/support/describe.h"
 #include "values/record.h"
 #include "values/script_value.h"
 #include "values/value.h"

@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "tests/values/describe.h"
+#include "tests/support/describe.h"
 
 namespace skerrow {
 namespace {

@@ -1,13 +1,12 @@
 #include "values/value_index.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include <algorithm>
 #include <string>
 #include <vector>
 
-#include "tests/values/generators.h"
+#include "tests/support/generators.h"
 #include "values/record.h"
 
 namespace skerrow {

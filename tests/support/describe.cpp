@@ -1,21 +1,17 @@
-#pragma once
-// Values in words, for failing tests and for comparing exactly: unlike equality
-// of values these tell storage kinds, types and orders apart.
+#include "tests/support/describe.h"
 
 #include <charconv>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
-#include <optional>
-#include <string>
-#include <string_view>
+#include <ostream>
+#include <utility>
 
 #include "values/record.h"
-#include "values/script_value.h"
-#include "values/value.h"
 
 namespace skerrow::tests {
 
-inline std::string described(std::u16string_view units) {
+std::string described(std::u16string_view units) {
   std::string text = "“";
   for (const char16_t unit : units) {
     if (unit >= u' ' && unit < 0x7F) {
@@ -29,15 +25,11 @@ inline std::string described(std::u16string_view units) {
   return text + "”";
 }
 
-inline std::string described(const std::u16string& units) {
-  return described(std::u16string_view(units));
-}
+std::string described(const std::u16string& units) { return described(std::u16string_view(units)); }
 
-inline std::string described(const char16_t* units) {
-  return described(std::u16string_view(units));
-}
+std::string described(const char16_t* units) { return described(std::u16string_view(units)); }
 
-inline std::string inHexadecimal(std::string_view bytes) {
+std::string inHexadecimal(std::string_view bytes) {
   std::string text;
   for (const char byte : bytes) {
     char digits[4];
@@ -48,12 +40,12 @@ inline std::string inHexadecimal(std::string_view bytes) {
   return text;
 }
 
-inline std::string described(double real) {
+std::string described(double real) {
   char digits[32];
   return {digits, std::to_chars(digits, digits + sizeof digits, real).ptr};
 }
 
-inline std::string described(Number number) {
+std::string described(Number number) {
   switch (number.kind()) {
     case NumberKind::boolean:
       return "boolean " + std::to_string(number.asInteger());
@@ -75,14 +67,14 @@ inline std::string described(Number number) {
   return "number of no kind";
 }
 
-inline std::string described(FourCharCode code) {
+std::string described(FourCharCode code) {
   const std::uint32_t bits = number(code);
   std::string text = "'";
   for (const unsigned shift : {24U, 16U, 8U, 0U}) text += static_cast<char>(bits >> shift & 0xFFU);
   return text + "'";
 }
 
-inline std::string described(const ScriptValue& value) {
+std::string described(const ScriptValue& value) {
   std::string text = described(value.type());
   std::string separator;
   if (value.hasItems()) {
@@ -109,7 +101,7 @@ inline std::string described(const ScriptValue& value) {
   return text + " " + described(std::u16string_view(units));
 }
 
-inline std::string described(const Value& value) {
+std::string described(const Value& value) {
   std::string separator;
   std::string text;
   switch (value.kind()) {
@@ -146,22 +138,14 @@ inline std::string described(const Value& value) {
   return "value of no kind";
 }
 
-template <class Held>
-std::string described(const std::optional<Held>& held) {
-  return held ? described(*held) : "nothing";
-}
-
 }  // namespace skerrow::tests
 
 namespace skerrow {
 
-// What rapidcheck prints of a counterexample.
-inline void showValue(const Value& value, std::ostream& stream) {
+void showValue(const Value& value, std::ostream& stream) { stream << tests::described(value); }
+void showValue(const ScriptValue& value, std::ostream& stream) {
   stream << tests::described(value);
 }
-inline void showValue(const ScriptValue& value, std::ostream& stream) {
-  stream << tests::described(value);
-}
-inline void showValue(Number number, std::ostream& stream) { stream << tests::described(number); }
+void showValue(Number number, std::ostream& stream) { stream << tests::described(number); }
 
 }  // namespace skerrow
