@@ -23,8 +23,8 @@ ROWS = [
 
 # What only some places may include: its name, its headers, the places (path prefixes).
 RESERVED = [
-    # Tests hold what we make of ICU against ICU itself.
-    ("ICU", r"unicode/", ["foundation/", "text/regex_service", "tests/", "fuzz/"]),
+    # Tests and benchmarks hold what we make of ICU against ICU itself.
+    ("ICU", r"unicode/", ["foundation/", "text/regex_service", "tests/", "fuzz/", "bench/"]),
     ("Qt", r"Q[A-Z]|Qt|q[a-z]+\.h$", ["desktop/", "tests/desktop/"]),
     ("D-Bus", r"systemd/sd-bus|dbus/|gio/gdbus|giomm/dbus", ["bus/", "tests/bus/"]),
     (

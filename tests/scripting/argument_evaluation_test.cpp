@@ -97,6 +97,7 @@ TEST(EvaluateArgument, EnumeratorsArriveAsTheirCodesGivenAsSuchOrAsIntegers) {
       {"colour", plain<std::int64_t>("comp"_code, 0xFFFFFFFF), "unsigned32 4294967295"},
       {"colour", plain<std::uint64_t>("ucom"_code, 0x62E56531), "unsigned32 1659200817"},
       {"colour", ScriptValue::integer32(0), "unsigned32 0"},
+      {"colour", ScriptValue::integer32(-1), "unsigned32 4294967295"},
   });
 }
 
@@ -183,7 +184,12 @@ const std::vector<KindRow>& kindRows() {
       {ScriptValue::integer32(7),
        "the integer 7",
        {"integer", "real", "number", "colour", "colours"}},
-      {ScriptValue::integer32(-7), "the integer -7", {"integer", "real", "number"}},
+      {ScriptValue::integer32(-7),
+       "the integer -7",
+       {"integer", "real", "number", "colour", "colours"}},
+      {plain<std::int64_t>("comp"_code, -2147483649),
+       "the integer -2147483649",
+       {"real", "number"}},
       {plain<std::int64_t>("comp"_code, 2147483648),
        "the integer 2147483648",
        {"real", "number", "colour", "colours"}},
@@ -198,7 +204,7 @@ const std::vector<KindRow>& kindRows() {
        "a list",
        {"texts", "items", "textOrTexts", "colours", "recordOrRecords"}},
       {scriptRecord({}), "a record", {"record", "recordOrRecords"}},
-      {ScriptValue::record("cobj"_code, {}), "a record", {}},
+      {ScriptValue::record("cobj"_code, {}), "a record of the class “cobj”", {}},
       {ScriptValue(), "missing value", {}},
       {payload("msng"_code, ""), "missing value", {}},
       {ScriptValue::null(), "the null value", {}},
