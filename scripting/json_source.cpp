@@ -60,12 +60,23 @@ bool JsonSource::beginLine() {
 
 bool JsonSource::isAtEnd() { return Peek() == '\0' && position_ == end_; }
 
-bool JsonSource::isBehindZero() const {
-  const std::string_view taken = std::string_view(buffer_).substr(0, position_);
-  const std::size_t first = taken.find_last_not_of("0123456789+-.eE") + 1;
-  const std::string_view number = taken.substr(first);
-  return number.substr(0, number.find_first_of("eE")).find_first_of("123456789") ==
-         std::string_view::npos;
+std::optional<double> JsonSource::zeroBehind() const {
+  NumberRun number = servedRun_;
+  number.append(std::string_view(buffer_).substr(0, position_));
+  if (number.hasOtherDigits) return std::nullopt;
+  return number.isNegative ? -0.0 : 0.0;
+}
+
+// Goes on behind a text of which only the run of number characters at its end counts.
+void JsonSource::NumberRun::append(std::string_view text) {
+  const std::size_t first = text.find_last_not_of("0123456789+-.eE") + 1;
+  if (first > 0) *this = NumberRun();
+  for (const char character : text.substr(first)) {
+    if (isEmpty) isNegative = character == '-';
+    isEmpty = false;
+    isInExponent = isInExponent || character == 'e' || character == 'E';
+    hasOtherDigits = hasOtherDigits || (!isInExponent && character >= '1' && character <= '9');
+  }
 }
 
 JsonSource::Ch JsonSource::peekBeyond() {
@@ -101,8 +112,7 @@ void JsonSource::passByteOrderMark() {
 bool JsonSource::refill() {
   if (isExhausted_ && prepared_ == filled_) return false;
   // Everything before the next byte has served; its lines and characters are counted.
-  // Some bytes stay: a fault is found only behind its place, and a number may be
-  // looked at again.
+  // Some bytes stay, as a fault is found only behind its place.
   constexpr std::size_t kKept = 64;
   const std::size_t dropped = position_ > kKept ? position_ - kKept : 0;
   const std::string_view served(buffer_.data(), dropped);
@@ -112,6 +122,7 @@ bool JsonSource::refill() {
     charactersBefore_ = 0;
   }
   charactersBefore_ += characterCount(served.substr(lastLine));
+  servedRun_.append(served);
   buffer_.erase(0, dropped);
   offset_ += dropped;
   filled_ -= dropped;

@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -34,8 +35,9 @@ class JsonSource {
   [[nodiscard]] std::string placeOf(std::size_t offset) const;
   [[nodiscard]] std::string currentPlace() const { return placeOf(Tell()); }
 
-  /// Whether the number that was taken last has no digit but 0 before its exponent.
-  [[nodiscard]] bool isBehindZero() const;
+  /// The number that was taken last, with its sign, if it has no digit but 0 before its
+  /// exponent.
+  [[nodiscard]] std::optional<double> zeroBehind() const;
 
   // What the JSON library calls. A NUL stands for the end; whether it is one,
   // isAtEnd tells.
@@ -61,6 +63,16 @@ class JsonSource {
   static constexpr Ch kSurrogateMark = static_cast<Ch>(0xF8);
 
  private:
+  // What matters of a run of the characters that numbers are made of.
+  struct NumberRun {
+    bool isEmpty = true;
+    bool isNegative = false;
+    bool isInExponent = false;
+    bool hasOtherDigits = false;  // than 0, before the exponent
+
+    void append(std::string_view text);
+  };
+
   Ch peekBeyond();
   bool refill();
   void readPiece();
@@ -79,6 +91,7 @@ class JsonSource {
   bool isExhausted_ = false;
   bool stopsAtLineEnds_ = false;
   bool isAtLineEnd_ = false;
+  NumberRun servedRun_;               // that ends where the buffer begins
   std::size_t linesBefore_ = 0;       // line ends before the buffer
   std::size_t charactersBefore_ = 0;  // of the line on which the buffer begins
 };

@@ -4,7 +4,6 @@
 #include <rapidjson/reader.h>
 
 #include <algorithm>
-#include <cmath>
 #include <optional>
 #include <string>
 #include <utility>
@@ -45,9 +44,8 @@ class Receiver {
   bool Int64(std::int64_t value) { return addNumber(Number::signed64(value)); }
   bool Uint64(std::uint64_t value) { return addNumber(Number::unsigned64(value)); }
   bool Double(double value) {
-    // The library makes other numbers of zeros with an exponent, such as 0e300.
-    if (value != 0 && source_.isBehindZero()) value = std::copysign(0.0, value);
-    return addNumber(Number::real(value));
+    // What the library makes of zeros with an exponent, such as -0e300, is undefined.
+    return addNumber(Number::real(source_.zeroBehind().value_or(value)));
   }
   // Only asked for when numbers are wanted as they are written.
   static bool RawNumber(const char16_t* /*units*/, rapidjson::SizeType /*count*/, bool /*copy*/) {

@@ -43,6 +43,26 @@ TEST(JsonSource, ANulInTheTextIsNotItsEnd) {
   EXPECT_TRUE(source.isAtEnd());
 }
 
+// The beginning of a long number is no longer there when its end is taken.
+TEST(JsonSource, KnowsZerosHoweverLongAndHoweverTheyArrive) {
+  const std::string zeros(200, '0');
+  const std::pair<std::string, ScriptValue> numbers[] = {
+      {"-0." + zeros + "e5", ScriptValue::real(-0.0)},
+      {"0." + zeros + "e300", ScriptValue::real(0)},
+      {"1" + zeros + ".0", ScriptValue::real(1e200)},
+      {"1" + zeros + "e-190", ScriptValue::real(1e10)},
+      {"-1e" + zeros + "1", ScriptValue::real(-10)},
+      {"0." + zeros + "1", ScriptValue::real(1e-201)},
+      {"[10, -0e" + zeros + "1]",
+       ScriptValue::list({ScriptValue::integer32(10), ScriptValue::real(-0.0)})},
+  };
+  for (const std::size_t pieceSize : {1U, 7U, 64U, 1000U}) {
+    for (const auto& [json, value] : numbers) {
+      EXPECT_EQ(valueOrError(sourceInPieces(json, pieceSize)), tests::described(value)) << json;
+    }
+  }
+}
+
 TEST(JsonSource, AnEmptyTextIsAtItsEnd) {
   JsonSource source((std::string_view()));
   EXPECT_TRUE(source.isAtEnd());
