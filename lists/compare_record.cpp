@@ -36,11 +36,11 @@ class SKWCompareRecord final : public core::Command {
   }
 
   std::optional<Value> compute() override {
-    const Record first = recordFrom(*directParameter(), kDirectParameter);
-    const Record second = recordArgument(evaluatedArguments(), "toRecord");
+    const Record a = recordFrom(*directParameter(), kDirectParameter);
+    const Record b = recordArgument(evaluatedArguments(), "toRecord");
     const auto comparing =
         evaluatedArguments().isSet("inRecords") ? Comparing::labels : Comparing::entries;
-    return Items{without(first, second, comparing), without(second, first, comparing)};
+    return Items{without(a, b, comparing), without(b, a, comparing)};
   }
 };
 

@@ -19,9 +19,7 @@ class SKWRemoveEntriesFromRecord final : public core::Command {
 
   std::optional<Value> compute() override {
     ValueSet labels;
-    for (Value& label : labelsFrom(*directParameter(), kDirectParameter)) {
-      labels.insert(std::move(label));
-    }
+    labels.insertAll(labelsFrom(*directParameter(), kDirectParameter));
     const auto records = recordsArgument(evaluatedArguments(), "inRecords");
     std::vector<Value> results;
     results.reserve(records.size());

@@ -308,7 +308,7 @@ class ValueWriter {
   bool writePath(std::u16string_view label, std::string_view path) {
     while (path.size() > 1 && path.ends_with('/')) path.remove_suffix(1);
     const auto text = foundation::utf16FromUtf8(path);
-    if (!text || !path.starts_with('/') || path.find('\0') != path.npos) return false;
+    if (!text || !path.starts_with('/') || path.find('\0') != std::string_view::npos) return false;
     form(label, *text);
     return true;
   }
