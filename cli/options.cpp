@@ -27,7 +27,8 @@ constexpr std::string_view kHelp =
   skerrow --version
   skerrow --help
 
-Exit status: 0 when all went well, 1 when a command failed, 2 for wrong usage.
+Exit status: 0 when all went well, 1 when a command failed, 2 for wrong usage or
+malformed JSON.
 
   skerrow perform SKWModifyList --direct '[[1,2],[3,4]]' --arguments '{"swapColsAndRows": true}'
   [[1,3],[2,4]]

@@ -1,9 +1,8 @@
 #pragma once
 // Command: the base of every scripting command. The scripting layer creates an
-// instance, fills in its direct parameter and arguments and calls
-// performDefaultImplementation on the main thread; the command checks what needs
-// no work, suspends, and computes on a worker thread. It resumes exactly once,
-// with a result, with nothing, or with its script error.
+// instance, fills it in with `prepare` and calls `perform` on the main thread; the
+// command checks what needs no work, suspends, and computes on a worker thread. It
+// resumes exactly once, with a result, with nothing, or with its script error.
 //
 // A command overrides `check` and `compute` and fails by throwing ScriptError.
 // It owns what it reads in `check`; after suspension only its task touches it.

@@ -9,6 +9,7 @@
 #include "foundation/long_date_time.h"
 #include "foundation/text_encoding.h"
 #include "foundation/url.h"
+#include "values/fetching.h"
 
 namespace skerrow::core {
 
@@ -170,9 +171,9 @@ std::optional<ScriptValue> makeDescriptor(Value&& value) {
 ScriptValue makeDescriptorForArray(std::vector<Value>&& items) {
   std::vector<ScriptValue> packed;
   packed.reserve(items.size());
-  for (Value& item : items) {
+  forEachFetched(items, [&packed](Value& item) {
     packed.push_back(makeDescriptor(std::move(item)).value_or(descriptorWithMissingValue()));
-  }
+  });
   items.clear();
   return ScriptValue::list(std::move(packed));
 }

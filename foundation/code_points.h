@@ -11,6 +11,8 @@ namespace skerrow::foundation {
 struct CodePoint {
   char32_t value = 0;
   std::size_t unitCount = 0;
+
+  [[nodiscard]] constexpr bool isLoneSurrogate() const { return (value & ~0x7FFU) == 0xD800; }
 };
 
 constexpr bool isLeadingSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
@@ -24,15 +26,6 @@ constexpr CodePoint codePointAt(std::u16string_view text, std::size_t position) 
     return {((unit & 0x3FFU) << 10U) + (text[position + 1] & 0x3FFU) + 0x10000, 2};
   }
   return {unit, 1};
-}
-
-/// The code point that ends before a unit, which must not be the first.
-constexpr CodePoint codePointBefore(std::u16string_view text, std::size_t position) {
-  if (position >= 2 && isTrailingSurrogate(text[position - 1]) &&
-      isLeadingSurrogate(text[position - 2])) {
-    return codePointAt(text, position - 2);
-  }
-  return {text[position - 1], 1};
 }
 
 /// Appends a code point, which must not be above U+10FFFF.

@@ -1,10 +1,10 @@
 #pragma once
-// DateParser: reads dates by a pattern of Unicode Technical Standard #35, strictly
-// (as ICU understands it: white space in front of a field and the names of a month
-// in another length still pass): the whole text must fit the pattern and name a day
-// and time that exist. What the pattern does not say is that of 2000-01-01 00:00:00.
-// A day of the week beside a date is read and not held against it.
-// One object serves one thread.
+// DateParser: reads dates by a pattern of Unicode Technical Standard #35. The whole
+// text must fit the pattern and name a day and time that exist. It must fit as ICU's
+// strict reading has it, which lets white space in front of a field pass, and the
+// name of a month in another length. What the pattern does not say is that of
+// 2000-01-01 00:00:00. A day of the week beside a date is read and not held against
+// it. One object serves one thread.
 
 #include <memory>
 #include <optional>

@@ -30,7 +30,7 @@ Number negated(Number number);
 /// By exact numeric value whatever the storage; NaN is unordered, even with itself.
 std::partial_ordering compareNumbers(Number a, Number b) noexcept;
 
-/// The smallest storage that holds a whole real exactly; any other real stays one.
+/// A whole real as an integer of 64 bits where one holds it; any other real stays one.
 Number wholeNumber(double value);
 
 }  // namespace skerrow::foundation

@@ -39,10 +39,6 @@ void appendEscaped(std::u16string& result, std::string_view bytes) {
   }
 }
 
-constexpr bool isLoneSurrogate(CodePoint point) {
-  return point.unitCount == 1 && (point.value & 0xF800U) == 0xD800U;
-}
-
 // The byte that an escape at this place spells, or nothing.
 std::optional<char> escapedByte(std::u16string_view text, std::size_t position) {
   if (position >= text.size() || text[position] != u'%') return std::nullopt;
@@ -62,7 +58,7 @@ std::optional<std::u16string> percentEscaped(std::u16string_view text,
     const CodePoint point = codePointAt(text, i);
     if (point.value < legal.size() && legal[point.value]) {
       result += text[i];
-    } else if (isLoneSurrogate(point)) {
+    } else if (point.isLoneSurrogate()) {
       return std::nullopt;
     } else {
       appendEscaped(result, utf8FromUtf16(text.substr(i, point.unitCount)));

@@ -19,8 +19,7 @@ std::string shown(std::u16string_view text) {
   escaped.reserve(text.size());
   for (std::size_t i = 0; i < text.size();) {
     const CodePoint character = codePointAt(text, i);
-    const bool isLoneSurrogate = character.unitCount == 1 && (text[i] & 0xF800U) == 0xD800U;
-    if (isControl(text[i]) || isLoneSurrogate) {
+    if (isControl(text[i]) || character.isLoneSurrogate()) {
       char escape[8];
       std::snprintf(escape, sizeof escape, "\\u%04X", static_cast<unsigned>(text[i]));
       escaped.append(escape, escape + 6);

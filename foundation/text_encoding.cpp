@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "foundation/code_points.h"
+
 namespace skerrow::foundation {
 
 namespace {
@@ -24,9 +26,6 @@ constexpr std::u16string_view kMacRomanUpperHalf =
     u"‡·‚„‰ÂÊÁËÈÍÎÏÌÓÔ"
     u"\uF8FFÒÚÛÙıˆ˜¯˘˙˚¸˝˛ˇ";
 static_assert(kMacRomanUpperHalf.size() == 128);
-
-constexpr bool isLeadingSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
-constexpr bool isTrailingSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xDC00; }
 
 struct Decoded {
   char32_t character = 0;

@@ -1,11 +1,11 @@
 #pragma once
 // TextSearch: finding and replacing one text in another, not by a pattern. Without
 // options texts are compared unit by unit, and half of a surrogate pair is not found
-// in the pair. Where case or diacritics do not matter,
-// they are compared character by character as TextFolding sees them, so that what
-// is found may be longer or shorter than what was looked for, and begins and ends
-// between characters: "s" is not found in "ß", nor "e" in "é" unless diacritics do
-// not matter. An empty text is found nowhere. Every search is linear.
+// in the pair. Where case or diacritics do not matter, they are compared character
+// by character as TextFolding sees them, so that what is found may be longer or
+// shorter than what was looked for, and begins and ends between characters: "s" is
+// not found in "ß", nor "e" in "é" unless diacritics do not matter. An empty text is
+// found nowhere. Every search is linear.
 //
 //   const TextSearch search(u"strasse", {.caseInsensitive = true});
 //   search.first(u"Die Straße");   // {4, 6}

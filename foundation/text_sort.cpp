@@ -45,24 +45,59 @@ class TotalOrder {
   SortDirection direction_;
 };
 
-// Four units of a text from a word on, the first unit the highest, zeros behind the end.
+// The fronts of texts as bytes in the order of their units: each unit in the form of
+// UTF-8, whose bytes compare as the units do, with zeros behind the end.
 class LiteralKeys {
  public:
-  explicit LiteralKeys(Texts texts) : texts_(texts) {}
+  explicit LiteralKeys(Texts texts) {
+    begins_.reserve(texts.size());
+    for (const std::u16string_view text : texts) {
+      begins_.push_back(words_.size());
+      add(text);
+    }
+  }
 
   [[nodiscard]] std::uint64_t word(std::uint32_t position, std::size_t index) const {
-    const std::u16string_view text = texts_[position];
-    std::uint64_t word = 0;
-    for (std::size_t i = index * 4; i < index * 4 + 4; ++i) {
-      word = word << 16U | (i < text.size() ? text[i] : 0U);
-    }
-    return word;
+    return words_[begins_[position] + index];
   }
   // Whether texts that agree up to this word may still differ behind it.
-  [[nodiscard]] bool goesOn(std::uint64_t word, std::size_t) const { return (word & 0xFFFFU) != 0; }
+  [[nodiscard]] bool goesOn(std::uint64_t word, std::size_t index) const {
+    return (word & 0xFFU) != 0 && index + 1 < kMostWords;
+  }
 
  private:
-  Texts texts_;
+  static constexpr std::size_t kMostWords = 8;
+
+  void add(std::u16string_view text) {
+    const std::size_t mostWords = words_.size() + kMostWords;
+    std::uint64_t word = 0;
+    unsigned room = 64;  // bits
+    const auto put = [&](unsigned byte) {
+      room -= 8;
+      word |= std::uint64_t{byte} << room;
+      if (room != 0) return;
+      words_.push_back(word);
+      word = 0;
+      room = 64;
+    };
+    for (const unsigned unit : text) {
+      if (unit < 0x80) {
+        put(unit);
+      } else if (unit < 0x800) {
+        put(0xC0U | unit >> 6U);
+        put(0x80U | (unit & 0x3FU));
+      } else {
+        put(0xE0U | unit >> 12U);
+        put(0x80U | (unit >> 6U & 0x3FU));
+        put(0x80U | (unit & 0x3FU));
+      }
+      if (words_.size() >= mostWords) return;
+    }
+    words_.push_back(word);
+  }
+
+  std::vector<std::size_t> begins_;
+  std::vector<std::uint64_t> words_;
 };
 
 class RankKeys {

@@ -38,6 +38,7 @@ constexpr ErrorEntry kWrongKindsInPair = {
 constexpr ErrorEntry kNeitherTextNorPair = {
     1165, "Invalid predicate. Should be predString, or {predString, listOfArgs}."};
 constexpr ErrorEntry kFilteringFailed = {1166, "%@"};
+// Kept: a direct parameter that is no list has this number too.
 constexpr ErrorEntry kBadPredicate = {1167, "%@"};
 constexpr ErrorEntry kEmptyPredicate = {
     1168, "Invalid predicate; format should be either predString *or* {predString, listOfArgs}."};

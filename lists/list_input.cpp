@@ -33,6 +33,19 @@ std::optional<Value> asLabel(const ScriptValue& value) {
   return Value(foundation::keyFromKeyword(*code));
 }
 
+// The labels among items, of each of which `rawOf` gives the raw value.
+template <class Items, class RawOf>
+std::vector<Value> labelsOf(const Items& items, std::string_view parameter, RawOf rawOf) {
+  std::vector<Value> labels;
+  labels.reserve(items.size());
+  for (const auto& item : items) {
+    auto label = asLabel(*rawOf(item));
+    if (!label) refuseItem(parameter, "labels", *rawOf(item));
+    labels.push_back(std::move(*label));
+  }
+  return labels;
+}
+
 }  // namespace
 
 void requireList(const std::optional<ScriptValue>& direct) {
@@ -69,26 +82,12 @@ Value labelFrom(const ScriptValue& value, std::string_view parameter) {
 }
 
 std::vector<Value> labelsFrom(const ScriptValue& list, std::string_view parameter) {
-  std::vector<Value> labels;
-  labels.reserve(list.items().size());
-  for (const ScriptValue& item : list.items()) {
-    auto label = asLabel(item);
-    if (!label) refuseItem(parameter, "labels", item);
-    labels.push_back(std::move(*label));
-  }
-  return labels;
+  return labelsOf(list.items(), parameter, [](const ScriptValue& item) { return &item; });
 }
 
 std::vector<Value> labelsArgument(const core::Arguments& arguments, std::string_view key) {
-  const auto items = required(arguments, key, "a list of labels").items();
-  std::vector<Value> labels;
-  labels.reserve(items.size());
-  for (const Value& item : items) {
-    auto label = asLabel(item.raw());
-    if (!label) refuseItem(key, "labels", item.raw());
-    labels.push_back(std::move(*label));
-  }
-  return labels;
+  return labelsOf(required(arguments, key, "a list of labels").items(), key,
+                  [](const Value& item) { return &item.raw(); });
 }
 
 }  // namespace skerrow::lists

@@ -158,9 +158,14 @@ std::vector<std::uint32_t> SortCriteria::positions() const {
 }
 
 std::vector<Value> inOrder(std::vector<Value> items, const std::vector<std::uint32_t>& positions) {
+  // The items are called for from all over the list, so some are on their way early.
+  constexpr std::size_t kAhead = 16;
   std::vector<Value> ordered;
   ordered.reserve(items.size());
-  for (const std::uint32_t position : positions) ordered.push_back(std::move(items[position]));
+  for (std::size_t i = 0; i < positions.size(); ++i) {
+    if (i + kAhead < positions.size()) __builtin_prefetch(&items[positions[i + kAhead]]);
+    ordered.push_back(std::move(items[positions[i]]));
+  }
   return ordered;
 }
 

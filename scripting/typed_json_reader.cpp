@@ -154,6 +154,11 @@ class Receiver {
     if (there != event_.arguments.end()) {
       there->second = std::move(value);
     } else {
+      // Far more than any command takes, and few enough to be searched one by one.
+      constexpr std::size_t kMostArguments = 1000;
+      if (event_.arguments.size() == kMostArguments) {
+        throw JsonError("“arguments” holds more than 1000 arguments");
+      }
       event_.arguments.emplace_back(key_, std::move(value));
     }
   }

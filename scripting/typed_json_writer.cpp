@@ -19,6 +19,7 @@
 #include "foundation/text_encoding.h"
 #include "foundation/url.h"
 #include "scripting/json_encodings.h"
+#include "values/fetching.h"
 
 namespace skerrow::scripting {
 
@@ -190,7 +191,7 @@ class ValueWriter {
 
   void writeList(const ScriptValue& list) {
     writer_.StartArray();
-    for (const ScriptValue& item : list.items()) write(item);
+    forEachFetched(list.items(), [this](const ScriptValue& item) { write(item); });
     writer_.EndArray();
   }
 

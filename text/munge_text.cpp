@@ -96,9 +96,12 @@ using Code = StringModificationCode;
 class SKWMungeText final : public core::Command {
   // A change of the text; false when nothing comes of it.
   using Effect = bool (SKWMungeText::*)(WorkingText&);
+  // Makes a table of the text, which ends the chain.
+  using Table = Value (*)(std::u16string_view, const core::CancelToken&);
   struct Modification {
     Code code;
-    Effect effect;  // null for those that make a table
+    Effect effect;  // null where there is a table to be made
+    Table table = nullptr;
   };
   static std::span<const Modification> modifications();
 
@@ -143,8 +146,7 @@ class SKWMungeText final : public core::Command {
     WorkingText text(given);
     for (const Modification& modification : modOptions_) {
       cancelToken().throwIfCancelled();
-      if (modification.code == Code::parseCSV) return parseCSVIn(text.view(), cancelToken());
-      if (modification.code == Code::parseTSV) return parseTSVIn(text.view(), cancelToken());
+      if (modification.table != nullptr) return modification.table(text.view(), cancelToken());
       if (!(this->*modification.effect)(text)) return std::nullopt;
     }
     return text.text();
@@ -270,7 +272,7 @@ std::span<const SKWMungeText::Modification> SKWMungeText::modifications() {
       {Code::encodeXMLEntities, &SKWMungeText::convert<foundation::entitiesEscaped>},
       {Code::md5Digest, &SKWMungeText::md5Digest},
       {Code::icuTransform, &SKWMungeText::icuTransform},
-      {Code::parseCSV, nullptr},
+      {Code::parseCSV, nullptr, parseCSVIn},
       {Code::smartQuotes, &SKWMungeText::change<curlQuotes>},
       {Code::straightQuotes, &SKWMungeText::change<straightenQuotes>},
       {Code::decodeHexEscapes,
@@ -281,7 +283,7 @@ std::span<const SKWMungeText::Modification> SKWMungeText::modifications() {
       {Code::escapeNonASCIIHex,
        &SKWMungeText::transform<kToHexadecimal, &SKWMungeText::toHexadecimal_>},
       {Code::standardizePath, &SKWMungeText::convert<foundation::standardizedPath>},
-      {Code::parseTSV, nullptr},
+      {Code::parseTSV, nullptr, parseTSVIn},
       {Code::collapseSpaces, &SKWMungeText::collapseSpaces},
       {Code::removeBlankLines, &SKWMungeText::removeBlankLines},
   };

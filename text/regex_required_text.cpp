@@ -61,7 +61,7 @@ class PatternReader {
 
   void readLiteral() {
     const foundation::CodePoint point = foundation::codePointAt(pattern_, next_);
-    if (point.unitCount == 1 && (point.value & 0xF800U) == 0xD800U) throw InDoubt{};
+    if (point.isLoneSurrogate()) throw InDoubt{};
     takeLiteral(point.unitCount);
   }
 

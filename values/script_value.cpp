@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "values/depth.h"
+#include "values/fetching.h"
 #include "values/shared_count.h"
 
 namespace skerrow {
@@ -16,7 +17,15 @@ struct ScriptValue::Bytes : SharedCount {
 };
 
 struct ScriptValue::Items : SharedCount {
-  std::uint32_t depth = 0;
+  Items(std::uint32_t itsDepth, std::vector<ScriptValue> itsItems)
+      : depth(itsDepth), items(std::move(itsItems)) {}
+  Items(const Items&) = delete;
+  Items& operator=(const Items&) = delete;
+  ~Items() {
+    forEachFetched(items, [](ScriptValue& item) { item = ScriptValue(); });
+  }
+
+  std::uint32_t depth;
   std::vector<ScriptValue> items;
 };
 
@@ -150,7 +159,7 @@ ScriptValue ScriptValue::null() { return withPayload("null"_code, {}); }
 ScriptValue ScriptValue::list(std::vector<ScriptValue> items) {
   std::uint32_t deepest = 0;
   for (const ScriptValue& item : items) deepest = std::max(deepest, item.depth());
-  return {"list"_code, Storage::items, new Items{{}, deeperBy(1, deepest), std::move(items)}};
+  return {"list"_code, Storage::items, new Items(deeperBy(1, deepest), std::move(items))};
 }
 
 ScriptValue ScriptValue::record(FourCharCode type, std::vector<ScriptField> fields) {

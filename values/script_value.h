@@ -92,6 +92,11 @@ class ScriptValue {
   /// deepest field for a record, as for the values that they unpack to.
   [[nodiscard]] std::uint32_t depth() const noexcept;
 
+  /// Tells the processor that this value's content is about to be looked at.
+  void fetch() const noexcept {
+    if (storage_ != Storage::inlineBytes) __builtin_prefetch(shared_);
+  }
+
   /// Same type and same payload, items or fields, in the same order.
   friend bool operator==(const ScriptValue& a, const ScriptValue& b) noexcept;
 

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "foundation/text_encoding.h"
+#include "tests/support/scratch_folder.h"
 
 namespace skerrow::foundation {
 namespace {
@@ -76,14 +77,13 @@ TEST_F(PosixPathWithHome, ExpandsATildeInFront) {
 class PosixPathOnDisk : public testing::Test {
  protected:
   PosixPathOnDisk() {
-    std::string name = fs::temp_directory_path() / "skerrow-path-XXXXXX";
-    folder = fs::canonical(::mkdtemp(name.data()));
     fs::create_directories(folder / "real/inner");
     fs::create_directory_symlink(folder / "real/inner", folder / "link");
     fs::create_directory_symlink(folder / "nowhere", folder / "broken");
   }
-  ~PosixPathOnDisk() override { fs::remove_all(folder); }
-  fs::path folder;
+
+  tests::ScratchFolder scratch;
+  fs::path folder = fs::canonical(scratch.path());
 };
 
 TEST_F(PosixPathOnDisk, GoesToTheRealParentBehindASymbolicLink) {

@@ -9,7 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/text/performer.h"
+#include "tests/support/in_process.h"
+#include "tests/support/scratch_folder.h"
 
 namespace skerrow::text {
 namespace {
@@ -43,7 +44,7 @@ class FileInput : public testing::TestWithParam<FileCommand> {
   std::string answerFor(const std::string& files) {
     std::string event = GetParam().event;
     std::ranges::replace(event, '\n', ' ');
-    return performer.answer(event.replace(event.find("%F"), 2, files));
+    return commands.answer(event.replace(event.find("%F"), 2, files));
   }
 
   [[nodiscard]] static std::string failure(const std::string& message) {
@@ -51,8 +52,8 @@ class FileInput : public testing::TestWithParam<FileCommand> {
            message + R"("}})";
   }
 
-  TemporaryFolder folder;
-  Performer performer;
+  tests::ScratchFolder folder;
+  tests::InProcess commands;
 };
 
 TEST_P(FileInput, FailsWithTheCommandsNumberForAFileThatIsNotThere) {
@@ -74,7 +75,7 @@ TEST_P(FileInput, FailsForADevice) {
 }
 
 TEST_P(FileInput, FailsForAFileWithoutPermission) {
-  const std::string path = folder.file("secret.txt", "x");
+  const std::string path = folder.write("secret.txt", "x");
   ::chmod(path.c_str(), 0);
   if (::access(path.c_str(), R_OK) == 0) GTEST_SKIP() << "This user may read every file.";
   EXPECT_EQ(answerFor(jsonFile(path)),
@@ -82,20 +83,20 @@ TEST_P(FileInput, FailsForAFileWithoutPermission) {
 }
 
 TEST_P(FileInput, FailsForAPathWhoseMiddleIsAFile) {
-  const std::string path = folder.file("a", "x") + "/b";
+  const std::string path = folder.write("a", "x") + "/b";
   EXPECT_EQ(answerFor(jsonFile(path)),
             failure("Could not open the file “" + path + "”: Not a directory."));
 }
 
 TEST_P(FileInput, FailsForAWholeListWithOneSuchFile) {
-  const std::string good = jsonFile(folder.file("good.txt", "x"));
+  const std::string good = jsonFile(folder.write("good.txt", "x"));
   const std::string path = folder.path("gone.txt");
   EXPECT_EQ(answerFor("[" + good + ", " + jsonFile(path) + ", " + good + "]"),
             failure("Could not open the file “" + path + "”: No such file or directory."));
 }
 
 TEST_P(FileInput, LeavesTheFileAsItWas) {
-  const std::string path = folder.file("a.txt", "x--y\r\n");
+  const std::string path = folder.write("a.txt", "x--y\r\n");
   answerFor(jsonFile(path));
   std::ifstream file(path, std::ios::binary);
   EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), "x--y\r\n");
@@ -108,18 +109,18 @@ INSTANTIATE_TEST_SUITE_P(Commands, FileInput, testing::ValuesIn(kCommands), name
 class FileText : public testing::Test {
  protected:
   std::string cleaned(std::string_view bytes) {
-    return performer.answer(R"({"command": "SKWCleanString", "direct": )" +
-                            jsonFile(folder.file("a.txt", bytes)) + "}");
+    return commands.answer(R"({"command": "SKWCleanString", "direct": )" +
+                           jsonFile(folder.write("a.txt", bytes)) + "}");
   }
   std::string upper(const std::string& direct) {
-    return performer.answer(
+    return commands.answer(
         R"({"command": "SKWMungeText", "arguments": {"stringMungeOption": {"$enum": "0x62E56531"}},)"
         R"("direct": )" +
         direct + "}");
   }
 
-  TemporaryFolder folder;
-  Performer performer;
+  tests::ScratchFolder folder;
+  tests::InProcess commands;
 };
 
 TEST_F(FileText, IsReadAsUtf8) { EXPECT_EQ(cleaned("é—😀  x"), R"({"result":"é—😀 x"})"); }
@@ -138,7 +139,7 @@ TEST_F(FileText, KeepsNullCharactersAndAByteOrderMark) {
 }
 
 TEST_F(FileText, IsReadThroughAliasesAndLinks) {
-  const std::string path = folder.file("a.txt", "abc");
+  const std::string path = folder.write("a.txt", "abc");
   std::filesystem::create_symlink(path, folder.path("link"));
   EXPECT_EQ(upper(R"({"$alias": ")" + path + R"("})"), R"({"result":"ABC"})");
   EXPECT_EQ(upper(R"({"$fsrf": ")" + path + R"("})"), R"({"result":"ABC"})");
@@ -146,45 +147,45 @@ TEST_F(FileText, IsReadThroughAliasesAndLinks) {
 }
 
 TEST_F(FileText, TakesTheFilesPlaceInAList) {
-  const std::string file = jsonFile(folder.file("a b.txt", "abc"));
+  const std::string file = jsonFile(folder.write("a b.txt", "abc"));
   EXPECT_EQ(upper("[\"x\", " + file + ", [" + file + ", 3]]"),
             R"({"result":["X","ABC",["ABC",3]]})");
 }
 
 TEST_F(FileText, IsParsedAsATable) {
-  const std::string file = jsonFile(folder.file("a.csv", "a,\"b\r\nc\"\r\nd\r\n"));
-  EXPECT_EQ(performer.answer(
-                R"({"command": "SKWMungeText",)"
-                R"("arguments": {"stringMungeOption": {"$enum": "0x62E56563"}}, "direct": )" +
-                file + "}"),
-            R"({"result":[["a","b\r\nc"],["d"]]})");
+  const std::string file = jsonFile(folder.write("a.csv", "a,\"b\r\nc\"\r\nd\r\n"));
+  EXPECT_EQ(
+      commands.answer(R"({"command": "SKWMungeText",)"
+                      R"("arguments": {"stringMungeOption": {"$enum": "0x62E56563"}}, "direct": )" +
+                      file + "}"),
+      R"({"result":[["a","b\r\nc"],["d"]]})");
 }
 
 TEST_F(FileText, IsSearchedAlikeAloneAndInAList) {
-  const std::string file = jsonFile(folder.file("a.txt", "a1b22"));
+  const std::string file = jsonFile(folder.write("a.txt", "a1b22"));
   const std::string event = R"({"command": "SKWFindIt", "direct": "\\d+",)";
-  EXPECT_EQ(performer.answer(event + R"("arguments": {"stringToSearch": )" + file + "}}"),
+  EXPECT_EQ(commands.answer(event + R"("arguments": {"stringToSearch": )" + file + "}}"),
             R"({"result":["1","22"]})");
-  EXPECT_EQ(performer.answer(event + R"("arguments": {"stringToSearch": [)" + file + R"(, "3"]}})"),
+  EXPECT_EQ(commands.answer(event + R"("arguments": {"stringToSearch": [)" + file + R"(, "3"]}})"),
             R"({"result":[["1","22"],["3"]]})");
 }
 
 TEST_F(FileText, IsReplacedByPatternInTheAnswerOnly) {
-  const std::string path = folder.file("a.txt", "a1b22");
-  EXPECT_EQ(performer.answer(R"({"command": "SKWFindIt", "direct": "\\d+",)"
-                             R"("arguments": {"replacementPattern": "<$0>", "stringToSearch": )" +
-                             jsonFile(path) + "}}"),
+  const std::string path = folder.write("a.txt", "a1b22");
+  EXPECT_EQ(commands.answer(R"({"command": "SKWFindIt", "direct": "\\d+",)"
+                            R"("arguments": {"replacementPattern": "<$0>", "stringToSearch": )" +
+                            jsonFile(path) + "}}"),
             R"({"result":"a<1>b<22>"})");
 }
 
 // Kept: where a text is replaced literally, a file stands for its address.
 TEST_F(FileText, IsOnlyLookedAtWhereTheAddressIsReplaced) {
-  const std::string file = jsonFile(folder.file("notes x.txt", "notes"));
+  const std::string file = jsonFile(folder.write("notes x.txt", "notes"));
   const std::string event = R"({"command": "SKWReplaceString", "direct": "NOTES%20",)"
                             R"("arguments": {"replacementPattern": "é/", "stringToSearch": )";
-  EXPECT_EQ(performer.answer(event + file + "}}"),
+  EXPECT_EQ(commands.answer(event + file + "}}"),
             R"({"result":"file://)" + folder.path("é/x.txt") + R"("})");
-  EXPECT_EQ(performer.answer(event + "[" + file + R"(, "a notes%20"]}})"),
+  EXPECT_EQ(commands.answer(event + "[" + file + R"(, "a notes%20"]}})"),
             R"({"result":["file://)" + folder.path("é/x.txt") + R"(","a é/"]})");
 }
 

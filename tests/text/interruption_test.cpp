@@ -5,8 +5,8 @@
 #include <chrono>
 #include <string>
 
+#include "tests/support/in_process.h"
 #include "tests/support/program.h"
-#include "tests/text/performer.h"
 #include "tests/text/text_literal.h"
 
 namespace skerrow::text {
@@ -17,29 +17,29 @@ using namespace std::chrono_literals;
 std::string timedOut() { return R"({"error":{"number":-1712,"message":"AppleEvent timed out."}})"; }
 
 // Matching (a+)+[bc] against many a would take longer than anybody lives, so the pool
-// of the performer, which waits for what runs in it, only ends when it is stopped.
+// of the commands, which waits for what runs in it, only ends when it is stopped.
 TEST(Interruption, EndsACatastrophicMatchWhenTheCallerHasGone) {
   const std::string many(40, 'a');
   for (const char* arguments :
        {R"("stringToSearch": ")", R"("invertFlag": true, "stringToSearch": ")",
         R"("replacementPattern": "", "stringToSearch": ")"}) {
-    Performer performer;
-    EXPECT_EQ(performer.answer(R"({"command": "SKWFindIt", "direct": "(a+)+[bc]", "timeout": 0.05,)"
-                               R"("arguments": {)" +
-                               std::string(arguments) + many + "\"}}"),
+    tests::InProcess commands;
+    EXPECT_EQ(commands.answer(R"({"command": "SKWFindIt", "direct": "(a+)+[bc]", "timeout": 0.05,)"
+                              R"("arguments": {)" +
+                              std::string(arguments) + many + "\"}}"),
               timedOut());
   }
 }
 
 TEST(Interruption, LeavesTheServiceInOrderForTheNextCommand) {
-  Performer performer;
+  tests::InProcess commands;
   const std::string many(40, 'a');
-  EXPECT_EQ(performer.answer(R"({"command": "SKWFindIt", "direct": "(a+)+[bc]", "timeout": 0.05,)"
-                             R"("arguments": {"stringToSearch": ")" +
-                             many + "\"}}"),
+  EXPECT_EQ(commands.answer(R"({"command": "SKWFindIt", "direct": "(a+)+[bc]", "timeout": 0.05,)"
+                            R"("arguments": {"stringToSearch": ")" +
+                            many + "\"}}"),
             timedOut());
   EXPECT_EQ(
-      performer.answer(
+      commands.answer(
           R"({"command": "SKWFindIt", "direct": "(a+)+[bc]", "arguments": {"stringToSearch": "aab"}})"),
       R"({"result":["aab"]})");
 }
@@ -49,8 +49,8 @@ TEST(Interruption, AMatchThatNeedsTooMuchMemoryFailsInsteadOfTakingIt) {
   event.command = "SKWFindIt";
   event.directParameter = ScriptValue::text(u"(?:a|b)*[cd]"_text);
   event.arguments = {{"stringToSearch", ScriptValue::text(Text(std::u16string(20'000'000, u'a')))}};
-  Performer performer;
-  const core::Reply reply = performer.reply(std::move(event));
+  tests::InProcess commands;
+  const core::Reply reply = commands.perform(std::move(event));
   ASSERT_TRUE(std::holds_alternative<core::ScriptError>(reply));
   EXPECT_EQ(std::get<core::ScriptError>(reply).number(), 1018);
   EXPECT_NE(std::get<core::ScriptError>(reply).message().find("U_REGEX_STACK_OVERFLOW"),
@@ -61,8 +61,9 @@ TEST(Padding, IsMeasuredOverTheWholeList) {
   const std::string event =
       R"({"command": "SKWMungeText", "direct": [["", ""], "", "", ""],)"
       R"("arguments": {"stringMungeOption": {"$enum": "0x62E56535"}, "padLength": 60000000}})";
-  EXPECT_EQ(Performer().answer(event), R"({"error":{"number":1021,"message":)"
-                                       R"("The text can't be padded to 60000000 characters."}})");
+  EXPECT_EQ(tests::InProcess().answer(event),
+            R"({"error":{"number":1021,"message":)"
+            R"("The text can't be padded to 60000000 characters."}})");
 }
 
 TEST(LocalizedNumbers, AreReadAsTheUsersLanguageWritesThem) {

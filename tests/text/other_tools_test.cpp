@@ -12,7 +12,8 @@
 
 #include "core/unpack.h"
 #include "foundation/text_encoding.h"
-#include "tests/text/performer.h"
+#include "tests/support/in_process.h"
+#include "tests/support/scratch_folder.h"
 
 namespace skerrow::text {
 namespace {
@@ -30,18 +31,18 @@ std::string outputOf(const std::string& command) {
   return output;
 }
 
-std::string transformed(Performer& performer, const std::string& text,
+std::string transformed(tests::InProcess& commands, const std::string& text,
                         const std::string& identifier, bool isInverse) {
   const auto scriptText = [](const std::string& utf8) {
     return ScriptValue::text(Text(foundation::utf16FromUtf8(utf8).value()));
   };
   constexpr std::int32_t kIcuTransform = 0x62E56562;
   const core::Reply reply =
-      performer.reply({"SKWMungeText",
-                       scriptText(text),
-                       {{"stringMungeOption", ScriptValue::integer32(kIcuTransform)},
-                        {"transformName", scriptText(identifier)},
-                        {"transformInverse", ScriptValue::boolean(isInverse)}}});
+      commands.perform({"SKWMungeText",
+                        scriptText(text),
+                        {{"stringMungeOption", ScriptValue::integer32(kIcuTransform)},
+                         {"transformName", scriptText(identifier)},
+                         {"transformInverse", ScriptValue::boolean(isInverse)}}});
   if (const auto* error = std::get_if<core::ScriptError>(&reply)) return error->message();
   const auto result = core::textFromScriptValue(*std::get<std::optional<ScriptValue>>(reply));
   return foundation::utf8FromUtf16(result->view());
@@ -52,9 +53,9 @@ TEST(IcuTransform, GivesWhatTheTransliteratorOfIcuGives) {
       "Straße “ΣΑΣ” οδός; щука Ёж, ไทยแลนด์, 漢字かな ッー, क्ष १२, שלום, مرحبا, 각하, e\u0301 "
       "\u00E9, "
       "Ærø ijs ǅ, it's 'quoted' -- 1/2, \\u00e9 &#233;\n";
-  const TemporaryFolder folder;
-  const std::string file = folder.file("text", text);
-  Performer performer;
+  const tests::ScratchFolder folder;
+  const std::string file = folder.write("text", text);
+  tests::InProcess commands;
   for (const std::string identifier : {"Latin-Cyrillic",
                                        "Cyrillic-Latin",
                                        "Any-Latin",
@@ -84,7 +85,7 @@ TEST(IcuTransform, GivesWhatTheTransliteratorOfIcuGives) {
                                        "Any-Accents",
                                        "ru-ru_Latn/BGN",
                                        "de-ASCII"}) {
-    EXPECT_EQ(transformed(performer, text, identifier, false),
+    EXPECT_EQ(transformed(commands, text, identifier, false),
               outputOf("uconv -f UTF-8 -t UTF-8 -x '" + identifier + "' '" + file + "'"))
         << identifier;
   }
@@ -119,15 +120,16 @@ for _ in range(500):
 )PYTHON";
 
 TEST(ParseCsv, GivesWhatPythonsReaderGives) {
-  const TemporaryFolder folder;
-  const std::string lines = outputOf("python3 '" + folder.file("tables.py", kTablesInPython) + "'");
-  Performer performer;
+  const tests::ScratchFolder folder;
+  const std::string lines =
+      outputOf("python3 '" + folder.write("tables.py", kTablesInPython) + "'");
+  tests::InProcess commands;
   std::size_t count = 0;
   for (std::size_t begin = 0; begin < lines.size(); ++count) {
     const std::size_t eventEnd = lines.find('\n', begin);
     const std::size_t answerEnd = lines.find('\n', eventEnd + 1);
     const std::string event = lines.substr(begin, eventEnd - begin);
-    ASSERT_EQ(performer.answer(event), lines.substr(eventEnd + 1, answerEnd - eventEnd - 1))
+    ASSERT_EQ(commands.answer(event), lines.substr(eventEnd + 1, answerEnd - eventEnd - 1))
         << event;
     begin = answerEnd + 1;
   }

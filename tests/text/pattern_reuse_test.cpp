@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "tests/text/performer.h"
+#include "tests/support/in_process.h"
 #include "text/regex_service.h"
 
 namespace skerrow::text {
@@ -22,24 +22,24 @@ class PatternReuse : public testing::Test {
   }
 
   int compilations = 0;
-  Performer performer{countingServices(compilations)};
+  tests::InProcess commands{countingServices(compilations)};
 };
 
 TEST_F(PatternReuse, CompilesThePatternOfAHundredThousandCallsOnce) {
   for (int call = 0; call < 100'000; ++call) {
-    ASSERT_EQ(performer.answer(R"({"command": "SKWFindIt", "direct": "\\d+", )"
-                               R"("arguments": {"stringToSearch": "a1b22"}})"),
+    ASSERT_EQ(commands.answer(R"({"command": "SKWFindIt", "direct": "\\d+", )"
+                              R"("arguments": {"stringToSearch": "a1b22"}})"),
               R"({"result":["1","22"]})");
   }
   EXPECT_EQ(compilations, 1);
 }
 
 TEST_F(PatternReuse, ReachesFromReplacingToSplitting) {
-  EXPECT_EQ(performer.answer(R"({"command": "SKWFindIt", "direct": "b", "arguments": )"
-                             R"({"stringToSearch": ["ab", "bc"], "replacementPattern": "-"}})"),
+  EXPECT_EQ(commands.answer(R"({"command": "SKWFindIt", "direct": "b", "arguments": )"
+                            R"({"stringToSearch": ["ab", "bc"], "replacementPattern": "-"}})"),
             R"({"result":["a-","-c"]})");
-  EXPECT_EQ(performer.answer(R"({"command": "SKWFindIt", "direct": "b", "arguments": )"
-                             R"({"stringToSearch": "abc", "invertFlag": true}})"),
+  EXPECT_EQ(commands.answer(R"({"command": "SKWFindIt", "direct": "b", "arguments": )"
+                            R"({"stringToSearch": "abc", "invertFlag": true}})"),
             R"({"result":["a","c"]})");
   EXPECT_EQ(compilations, 1);
 }
