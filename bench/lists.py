@@ -4,7 +4,7 @@ import os
 import random
 import subprocess
 
-from modify_list import GROWTH_LIMIT, rows, texts
+from making import event, growthTable, rows, texts
 
 SORT_PLAIN = 0x61E56531
 SORT_LOCALIZED = 0x61E56532
@@ -44,8 +44,8 @@ WORDS = """apple Äpfel bread crème tea thé milk Käse onion piñata salt suga
 
 def shortTexts(count=1_000_000):
     some = random.Random(3)
-    yield [f"{some.choice(WORDS)} {some.choice(WORDS)} {some.randrange(10_000_000)}"
-           for _ in range(count)]
+    return [f"{some.choice(WORDS)} {some.choice(WORDS)} {some.randrange(10_000_000)}"
+            for _ in range(count)]
 
 
 def people(count=1_000_000):
@@ -59,16 +59,12 @@ def numbers(count):
     return [some.randrange(1_000_000) for _ in range(count)]
 
 
-def event(command, direct, **arguments):
-    return {"command": command, "direct": direct, "arguments": arguments}
-
-
 # Each command on n items, with arguments of matching size.
 GROWING = {
     "SKWMungeList, plain": lambda n: event(
-        "SKWMungeList", next(shortTexts(n)), listMungeOption=SORT_PLAIN),
+        "SKWMungeList", shortTexts(n), listMungeOption=SORT_PLAIN),
     "SKWMungeList, localized": lambda n: event(
-        "SKWMungeList", next(shortTexts(n)), listMungeOption=SORT_LOCALIZED),
+        "SKWMungeList", shortTexts(n), listMungeOption=SORT_LOCALIZED),
     "SKWMungeList, numbers, unique": lambda n: event("SKWMungeList", numbers(n), uniqueOption=True),
     "SKWMungeRecords, two labels": lambda n: event(
         "SKWMungeRecords", people(n // 2), recordKeys=["age", "name"]),
@@ -130,7 +126,7 @@ def cases(bench):
         return [bench.python, "-c", IN_PYTHON.format(work), *files]
 
     bench.table("case", "ours", "peer", "ratio")
-    short = bench.data("short.json", shortTexts)
+    short = bench.data("short.json", lambda: [shortTexts()])
 
     def sort(name, option, work, limit, sameResult):
         bench.compare(name, perform("SKWMungeList", short, "--arguments",
@@ -172,7 +168,4 @@ def cases(bench):
     bench.compare("sum, maximum and minimum of 1,000,000", perform("SKWSummarizeNumbers", sums),
                   python(SUMMARIZED, sums))
 
-    bench.table(f"{'command; time for an item, of':<37} {'10,000':>12}", "100,000", "1,000,000",
-                "growth")
-    for name, eventFor in GROWING.items():
-        bench.growth(name, eventFor, GROWTH_LIMIT)
+    growthTable(bench, "command; time for an item", GROWING)

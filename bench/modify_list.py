@@ -1,7 +1,8 @@
 """Modify list: beside Python and jq, at growing sizes, and as a stream of events."""
 
-import json
 import random
+
+from making import event, growthTable, rows, texts
 
 UNIQUE_IN_PYTHON = """\
 import json, sys
@@ -12,20 +13,6 @@ UNIQUE_IN_PYTHON_AT_ONCE = """\
 import json, sys
 print(json.dumps(list(dict.fromkeys(json.load(open(sys.argv[1], encoding="utf-8"))))))
 """
-
-# From 10,000 to 1,000,000 items the values outgrow the processor's caches and all memory is new to
-# the process: linear changes were measured at 1.2 to 1.7 times the time for an item. Work that grows
-# with the square would take 100 times, so 3 tells them apart on a busy machine too.
-GROWTH_LIMIT = 3.0
-
-
-def texts(count, first=0):
-    """Different texts, in no order."""
-    return [f"item {i * 7919 % 10_000_019}" for i in range(first, first + count)]
-
-
-def rows(count, length=10):
-    return [texts(length, first) for first in range(0, count, length)]
 
 
 def everySecond(items, other):
@@ -62,11 +49,11 @@ CHANGES = {
 
 
 def modifyList(change):
-    def event(count):
+    def eventFor(count):
         direct, arguments = change(count)
-        return {"command": "SKWModifyList", "direct": direct, "arguments": arguments}
+        return event("SKWModifyList", direct, **arguments)
 
-    return event
+    return eventFor
 
 
 def repeatedTexts():
@@ -99,9 +86,7 @@ def cases(bench):
                   [*perform, "--direct", f"@{matrix}", "--arguments", '{"swapColsAndRows": true}'],
                   [bench.jq, "-c", "transpose", matrix], limit=0.5)
     bench.rate("100,000 small events in one process",
-               {"command": "SKWModifyList", "direct": [1, 2, 3], "arguments": {"reversingOrder": True}},
-               100_000)
+               event("SKWModifyList", [1, 2, 3], reversingOrder=True), 100_000)
 
-    bench.table(f"{'change; time for an item, of':<37} {'10,000':>12}", "100,000", "1,000,000", "growth")
-    for name, change in CHANGES.items():
-        bench.growth(name, modifyList(change), GROWTH_LIMIT)
+    growthTable(bench, "change; time for an item",
+                {name: modifyList(change) for name, change in CHANGES.items()})

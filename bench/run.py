@@ -97,7 +97,7 @@ class Bench:
         self.print(f"{name:<37} {first:>9.0f} ns", f"{middle:.0f} ns", f"{last:.0f} ns",
                    last / first, limit)
 
-    def compareInside(self, name, program, arguments, limit, runs=RUNS):
+    def compareInside(self, name, program, arguments, limit=None, runs=RUNS):
         """Two ways within one process, which prints the seconds of ours and of the other's."""
         command = [str(self.programs / program), *arguments]
 

@@ -4,7 +4,7 @@ import os
 import random
 import string
 
-from modify_list import GROWTH_LIMIT
+from making import event, growthTable
 
 PATTERN = r"\b[a-z]+\d+\b"
 
@@ -95,10 +95,6 @@ def munge(text, *codes, **arguments):
             "arguments": {"stringMungeOption": list(codes), **arguments}}
 
 
-def event(command, direct, **arguments):
-    return {"command": command, "direct": direct, "arguments": arguments}
-
-
 # Every code and command on a text of n characters.
 GROWING = {
     "upperCase": lambda n: munge(textOf(n), UPPER_CASE),
@@ -176,6 +172,8 @@ def cases(bench):
     file = bench.data("prose.txt", prose)
     bench.compareInside("find all in 50 MB, matching; bare ICU", "find_all", [PATTERN, file],
                         limit=1.1)
+    bench.compareInside("the same twice at once; one after the other", "find_at_once",
+                        [PATTERN, file])
     bench.compare("find all, the whole command; python3 re",
                   perform("SKWFindIt", '"' + PATTERN.replace("\\", "\\\\") + '"',
                           f'{{"stringToSearch": {{"$file": "{file}"}}}}'),
@@ -198,7 +196,4 @@ def cases(bench):
     bench.rate("100,000 times the same pattern, in one process",
                event("SKWFindIt", r"\d+", stringToSearch="a1b22"), 100_000, limit=30_000)
 
-    bench.table(f"{'change; time for a character, of':<37} {'10,000':>12}", "100,000", "1,000,000",
-                "growth")
-    for name, eventFor in GROWING.items():
-        bench.growth(name, eventFor, GROWTH_LIMIT)
+    growthTable(bench, "change; time for a character", GROWING)

@@ -34,6 +34,7 @@ struct Process {
   scripting::Dispatcher dispatcher{scripting::skerrowDictionary(),
                                    scripting::skerrowDictionaryClasses(), loop,
                                    core::CommandContext{application, pool, compiler}};
+  core::Reply reply;  // of the only command
 
   // Never taken down: a command that timed out may still work in it, and the
   // memory of everything goes with the program anyway.
@@ -85,14 +86,16 @@ int performOne(const PerformOne& asked) {
       return scripting::readArguments(source);
     });
   }
-  const core::Reply reply = Process::start().dispatcher.perform(std::move(event));
+  // Made beforehand, as memory is quicker to get while the task does not give back its own.
+  auto output = platform::OutputStream::standardOutput();
+  Process& process = Process::start();
+  const core::Reply& reply = process.reply = process.dispatcher.perform(std::move(event));
   if (const auto* error = std::get_if<core::ScriptError>(&reply)) {
     std::cerr << "skerrow: " << error->message() << " (" << error->number() << ")\n";
     return 1;
   }
   const auto& result = std::get<std::optional<ScriptValue>>(reply);
   if (!result) return 0;
-  auto output = platform::OutputStream::standardOutput();
   scripting::writeTypedJson(*result, [&output](std::string_view piece) { output.write(piece); });
   output.put('\n');
   output.flush();

@@ -91,6 +91,7 @@ void Command::runTask() {
   if (quitTimer() == QuitTimer::stoppedWhileWorking) context().delegate.startQuitTimer();
   resumeExecutionWithResult(std::move(outcome.result));
   discarded_.clear();
+  discardedGiven_.clear();
 }
 
 Command::Outcome Command::guarded(const std::function<std::optional<Value>()>& work) noexcept {

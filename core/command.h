@@ -112,6 +112,7 @@ class Command : public std::enable_shared_from_this<Command> {
   /// For `compute`: keeps values that are not needed any more until the script has
   /// its answer, as giving the memory of many back can take as long as the work.
   void discard(std::vector<Value> values) { discarded_.push_back(std::move(values)); }
+  void discard(std::vector<ScriptValue> values) { discardedGiven_.push_back(std::move(values)); }
 
   [[nodiscard]] const std::optional<ScriptValue>& directParameter() const noexcept {
     return directParameter_;
@@ -158,6 +159,7 @@ class Command : public std::enable_shared_from_this<Command> {
   ReplyReceiver receiver_;
   CancelToken cancelToken_;
   std::vector<std::vector<Value>> discarded_;
+  std::vector<std::vector<ScriptValue>> discardedGiven_;
   std::optional<Value> immediateResult_;
   std::optional<ScriptError> scriptError_;
   std::atomic<State> state_ = State::created;

@@ -71,6 +71,8 @@ ScriptValue packOrMissing(const Value& value) {
 // Builds one record at the scripting boundary.
 class RecordPacker {
  public:
+  explicit RecordPacker(std::size_t fieldCount) { userFields_.reserve(2 * fieldCount); }
+
   void add(const Value& key, const Value& value) {
     if (const auto keyword = keywordOf(key)) return setKeyword(*keyword, packOrMissing(value));
     ScriptValue packedKey = packOrMissing(key);
@@ -187,7 +189,7 @@ std::optional<ScriptValue> makeListDescriptorForArrayOfDescriptors(std::span<con
 }
 
 ScriptValue makeDescriptorForDictionary(const Record& record) {
-  RecordPacker packer;
+  RecordPacker packer(record.fieldCount());
   for (const Record::Field& field : record.fields()) packer.add(field.key, field.value);
   return std::move(packer).finish();
 }

@@ -36,6 +36,8 @@ Value eachItem(std::span<const ScriptValue> items, Convert&& convert) {
 
 Value unpackItem(const ScriptValue& item) { return unpack(item).value_or(Value()); }
 
+Value unpackItem(ScriptValue&& item) { return unpack(std::move(item)).value_or(Value()); }
+
 std::optional<Value> unpackDate(const ScriptValue& value) {
   const auto seconds = value.plain<std::int64_t>();
   if (!seconds) return std::nullopt;
@@ -57,16 +59,32 @@ std::optional<Value> asValue(std::optional<Held> held) {
 
 // The items of a 'usrf' list: label, value, label, value. The last label has no
 // value when the count is odd.
-void addUserFields(std::span<const Value> labelsAndValues, Record& record) {
+// From items that are constant nothing is taken.
+template <class Item>
+void addUserFields(std::span<Item> labelsAndValues, Record& record) {
+  record.reserve(record.fieldCount() + labelsAndValues.size() / 2);
   for (std::size_t i = 0; i + 1 < labelsAndValues.size(); i += 2) {
-    const Value& label = labelsAndValues[i];
-    const Value& value = labelsAndValues[i + 1];
+    Value label = unpackItem(std::move(labelsAndValues[i]));
+    Value value = unpackItem(std::move(labelsAndValues[i + 1]));
     if (!value.isRaw()) {
-      record.set(label, value);
+      record.set(std::move(label), std::move(value));
     } else if (value.raw().type() != "type"_code) {
-      record.set(label, unpackItem(value.raw()));
+      record.set(std::move(label), unpackItem(value.raw()));
     }
   }
+}
+
+template <class Field, class ItemsOf>
+Record recordFrom(std::span<Field> fields, ItemsOf itemsOf) {
+  Record record;
+  for (Field& field : fields) {
+    if (field.keyword == "usrf"_code && field.value.type() == "list"_code) {
+      addUserFields(itemsOf(field.value), record);
+    } else {
+      record.set(foundation::keyFromKeyword(field.keyword), unpackItem(std::move(field.value)));
+    }
+  }
+  return record;
 }
 
 }  // namespace
@@ -198,6 +216,7 @@ std::optional<Value> unpack(const ScriptValue& value) {
 std::optional<Value> unpack(ScriptValue&& value) {
   if (value.holdsText()) return Value(*std::move(value).takeText());
   if (value.hasItems()) return unpackAEList(std::move(value));
+  if (value.type() == "reco"_code) return unpackAERecord(std::move(value));
   return unpack(std::as_const(value));
 }
 
@@ -205,7 +224,7 @@ Value unpackAEList(ScriptValue&& list) {
   std::vector<Value> values;
   values.reserve(list.items().size());
   for (ScriptValue& item : std::move(list).takeItems()) {
-    values.push_back(unpack(std::move(item)).value_or(Value()));
+    values.push_back(unpackItem(std::move(item)));
   }
   return values;
 }
@@ -213,7 +232,7 @@ Value unpackAEList(ScriptValue&& list) {
 Value unpackAEList(const ScriptValue& list) { return unpackArrayOfAEDescs(list.items()); }
 
 Value unpackArrayOfAEDescs(std::span<const ScriptValue> values) {
-  return eachItem(values, unpackItem);
+  return eachItem(values, [](const ScriptValue& item) { return unpackItem(item); });
 }
 
 Value unpackArrayOfAEDescs(const Value& listOfRaw) {
@@ -230,16 +249,14 @@ Value unpackListShallow(const ScriptValue& list) {
 }
 
 std::optional<Value> unpackAERecord(const ScriptValue& record) {
-  Record unpacked;
-  for (const ScriptField& field : record.fields()) {
-    Value value = unpackItem(field.value);
-    if (field.keyword == "usrf"_code && value.isList()) {
-      addUserFields(value.items(), unpacked);
-    } else {
-      unpacked.set(foundation::keyFromKeyword(field.keyword), std::move(value));
-    }
-  }
-  return unpacked;
+  return recordFrom(record.fields(), [](const ScriptValue& list) { return list.items(); });
+}
+
+std::optional<Value> unpackAERecord(ScriptValue&& record) {
+  std::vector<ScriptField> fieldsRoom;
+  std::vector<ScriptValue> itemsRoom;
+  return recordFrom(record.fieldsToTake(fieldsRoom),
+                    [&itemsRoom](ScriptValue& list) { return list.itemsToTake(itemsRoom); });
 }
 
 std::optional<Value> unpackUnknown(const ScriptValue& value) {

@@ -39,6 +39,8 @@ Value unpackListShallow(const ScriptValue& list);
 /// and ». A class constant («type») among raw field values is left out, a label
 /// without a value is dropped, and a later field replaces one of the same key.
 std::optional<Value> unpackAERecord(const ScriptValue& record);
+/// The same, taking over what nobody else holds.
+std::optional<Value> unpackAERecord(ScriptValue&& record);
 
 /// A record of a class of its own becomes a record whose key «pcls» holds null;
 /// anything else stays raw.

@@ -2,9 +2,14 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <memory>
 #include <optional>
+#include <string>
+
+#include <glib.h>
 
 #include "foundation/code_points.h"
+#include "foundation/text_encoding.h"
 
 namespace skerrow::foundation {
 
@@ -78,6 +83,22 @@ std::u16string entitiesUnescaped(std::u16string_view text) {
     kept = i + length + 2;
   }
   return result += text.substr(kept);
+}
+
+std::u16string convertEntiesInString(std::u16string_view text) {
+  std::string found;
+  GMarkupParser parser{};
+  parser.text = [](GMarkupParseContext*, const char* bytes, gsize count, void* into, GError**) {
+    static_cast<std::string*>(into)->append(bytes, count);
+  };
+  const std::unique_ptr<GMarkupParseContext, decltype(&g_markup_parse_context_free)> context(
+      g_markup_parse_context_new(&parser, G_MARKUP_TREAT_CDATA_AS_TEXT, &found, nullptr),
+      g_markup_parse_context_free);
+  const std::string document = "<d>" + utf8FromUtf16(text) + "</d>";
+  // Its answer is left alone: what was found before a fault counts.
+  g_markup_parse_context_parse(context.get(), document.data(), static_cast<gssize>(document.size()),
+                               nullptr);
+  return utf16FromUtf8Replacing(found);
 }
 
 }  // namespace skerrow::foundation

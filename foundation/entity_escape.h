@@ -14,4 +14,9 @@ std::u16string entitiesEscaped(std::u16string_view text);
 /// What comes out is not read again.
 std::u16string entitiesUnescaped(std::u16string_view text);
 
+/// The characters of a text that is the content of an XML element: entities and
+/// references as the characters that they stand for, markup left out. Behind a fault
+/// in the markup nothing is read any more. Lone surrogates become U+FFFD.
+std::u16string convertEntiesInString(std::u16string_view text);
+
 }  // namespace skerrow::foundation

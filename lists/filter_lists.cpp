@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -119,41 +120,55 @@ class SKWFilterLists final : public core::Command {
   }
 
   std::optional<Value> compute() override {
-    Items list = core::unpackAEList(*takeDirectParameter()).takeItems();
+    std::vector<ScriptValue> items = (*takeDirectParameter()).takeItems();
     const bool isInSublists = evaluatedArguments().isSet("doSublists");
-    if (isInSublists && !std::ranges::all_of(list, &Value::isList)) {
+    const auto isList = [](const ScriptValue& item) { return item.type() == "list"_code; };
+    if (isInSublists && !std::ranges::all_of(items, isList)) {
       throw ScriptError(kSublistNotAList);
     }
     std::vector<Predicate> predicates;
     if (const Value* given = evaluatedArguments().find("predicateList")) {
       predicates = predicatesFrom(given->raw());
     }
-    if (!isInSublists) {
-      filter(list, predicates);
-      return list;
-    }
-    for (Value& sublist : list) {
-      Items items = std::exchange(sublist, Value()).takeItems();
-      filter(items, predicates);
-      sublist = Value(std::move(items));
-    }
-    return list;
-  }
-
-  void filter(Items& list, const std::vector<Predicate>& predicates) const {
-    constexpr std::size_t kItemsBetweenLooks = 1024;
-    std::size_t seen = 0;
     try {
-      for (const Predicate& predicate : predicates) {
-        std::erase_if(list, [&](const Value& item) {
-          if (++seen % kItemsBetweenLooks == 0) cancelToken().throwIfCancelled();
-          return !predicate.evaluate(item);
-        });
+      if (!isInSublists) return filtered(std::move(items), predicates);
+      Items sublists;
+      sublists.reserve(items.size());
+      for (ScriptValue& item : items) {
+        sublists.emplace_back(filtered(std::move(item).takeItems(), predicates));
       }
+      return sublists;
     } catch (const PredicateError& error) {
       throw ScriptError(kFilteringFailed, error.reason());
     }
   }
+
+  // The items for which all predicates are true. An item is unpacked just before the
+  // first predicate is asked, as one that it is not true of is needed no more.
+  [[nodiscard]] Items filtered(std::vector<ScriptValue> items,
+                               std::span<const Predicate> predicates) {
+    Items kept;
+    for (const ScriptValue& item : items) {
+      Value value = core::unpack(item).value_or(Value());
+      if (predicates.empty() || isTrueOf(predicates.front(), value)) {
+        kept.push_back(std::move(value));
+      }
+    }
+    discard(std::move(items));
+    for (const Predicate& predicate :
+         predicates.subspan(std::min<std::size_t>(1, predicates.size()))) {
+      std::erase_if(kept, [&](const Value& value) { return !isTrueOf(predicate, value); });
+    }
+    return kept;
+  }
+
+  bool isTrueOf(const Predicate& predicate, const Value& value) {
+    constexpr std::size_t kItemsBetweenLooks = 1024;
+    if (++seen_ % kItemsBetweenLooks == 0) cancelToken().throwIfCancelled();
+    return predicate.evaluate(value);
+  }
+
+  std::size_t seen_ = 0;
 };
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 #include <numeric>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -20,8 +21,36 @@ namespace {
 constexpr std::uint32_t kRankOfOthers = std::numeric_limits<std::uint32_t>::max();
 constexpr std::uint32_t kFirstOption = 0x61E56531;  // sortPlain, and on from there
 
+// Dense ranks by numbers that a real holds exactly; nothing where one is not such.
+std::optional<std::vector<std::uint32_t>> realRanks(const std::vector<const Value*>& values) {
+  struct Entry {
+    double real;
+    std::uint32_t position;
+  };
+  constexpr double kExactBelow = 0x1p53;
+  std::vector<Entry> entries;
+  entries.reserve(values.size());
+  for (const Value* value : values) {
+    if (!value->isNumber()) return std::nullopt;
+    const double real = value->number().asReal();
+    const bool isExact =
+        value->number().isReal() ? !std::isnan(real) : std::abs(real) < kExactBelow;
+    if (!isExact) return std::nullopt;
+    entries.push_back({real, static_cast<std::uint32_t>(entries.size())});
+  }
+  std::ranges::sort(entries, {}, &Entry::real);
+  std::vector<std::uint32_t> ranks(values.size());
+  std::uint32_t rank = 0;
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    if (i > 0 && entries[i - 1].real < entries[i].real) ++rank;
+    ranks[entries[i].position] = rank;
+  }
+  return ranks;
+}
+
 // Dense ranks of values that are there, by their plain order.
 std::vector<std::uint32_t> plainRanks(const std::vector<const Value*>& values) {
+  if (auto ranks = realRanks(values)) return std::move(*ranks);
   std::vector<std::uint32_t> order(values.size());
   std::iota(order.begin(), order.end(), 0U);
   const auto isLess = [&values](std::uint32_t a, std::uint32_t b) {

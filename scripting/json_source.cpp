@@ -138,6 +138,7 @@ bool JsonSource::refill() {
 
 // A mark in the text itself is no UTF-8; another byte that is none takes its place.
 void JsonSource::replaceStrayMarks(std::size_t from) {
+  if (buffer_.find(kSurrogateMark, from) == std::string::npos) return;
   std::ranges::replace(std::span(buffer_).subspan(from), kSurrogateMark, static_cast<Ch>(0xFF));
 }
 

@@ -24,6 +24,7 @@ namespace {
 
 // «pcls», the field that names a record's class.
 constexpr std::u16string_view kClassKey = u"«pcls»";
+constexpr std::u16string_view kRecord = u"$record";
 
 std::string utf8(std::u16string_view text) { return foundation::utf8FromUtf16(text); }
 
@@ -155,30 +156,6 @@ bool isClass(const ScriptValue& value) {
   return unpacked && unpacked->isRecord();
 }
 
-ScriptValue recordFrom(std::vector<Text> labels, std::vector<ScriptValue> values) {
-  FourCharCode type = "reco"_code;
-  std::vector<ScriptField> fields;
-  std::vector<ScriptValue> userFields;
-  std::optional<std::size_t> userFieldsAt;  // they stand where the first of them stood
-  for (std::size_t i = 0; i < labels.size(); ++i) {
-    const std::u16string_view label = labels[i].view();
-    if (i == 0 && label == kClassKey && isClass(values[i])) {
-      type = *values[i].namedCode();
-    } else if (const auto keyword = foundation::keywordFromKey(label)) {
-      fields.push_back({*keyword, std::move(values[i])});
-    } else {
-      if (!userFieldsAt) userFieldsAt = fields.size();
-      userFields.push_back(ScriptValue::text(std::move(labels[i])));
-      userFields.push_back(std::move(values[i]));
-    }
-  }
-  if (userFieldsAt) {
-    fields.insert(fields.begin() + static_cast<std::ptrdiff_t>(*userFieldsAt),
-                  {"usrf"_code, ScriptValue::list(std::move(userFields))});
-  }
-  return ScriptValue::record(type, std::move(fields));
-}
-
 }  // namespace
 
 void TypedJsonBuilder::addNull() { values_.emplace_back(); }
@@ -198,7 +175,17 @@ void TypedJsonBuilder::beginArray() { open(false); }
 
 void TypedJsonBuilder::beginObject() { open(true); }
 
-void TypedJsonBuilder::addLabel(std::u16string_view label) { labels_.emplace_back(label); }
+void TypedJsonBuilder::addLabel(std::u16string_view label) {
+  constexpr std::size_t kLongestKnown = 32;
+  if (label.empty() || label.size() > kLongestKnown) {
+    labels_.emplace_back(label);
+    return;
+  }
+  const std::size_t mixed = label.size() * 31 + label.front() * 7U + label.back();
+  Text& known = knownLabels_[mixed % knownLabels_.size()];
+  if (!haveSameUnits(known.view(), label)) known = Text(label);
+  labels_.push_back(known);
+}
 
 void TypedJsonBuilder::open(bool isObject) {
   if (frames_.size() >= kMaximumDepth) throw NestingTooDeep();
@@ -225,6 +212,46 @@ void TypedJsonBuilder::endArray() {
 void TypedJsonBuilder::endObject() {
   const Frame frame = std::move(frames_.back());
   frames_.pop_back();
+  const auto labels = std::span(labels_).subspan(frame.firstLabel);
+  const auto values = std::span(values_).subspan(frame.firstValue);
+  const bool isUnderLabel = frame.firstLabel > 0 && labels_[frame.firstLabel - 1].view() == kRecord;
+  const auto isSpecial = [](const Text& label) { return label.view().starts_with(u'$'); };
+  if (isUnderLabel || !frame.problem.empty() || std::ranges::any_of(labels, isSpecial)) {
+    return closeObject(frame);
+  }
+  ScriptValue record = recordFrom(labels, values);
+  labels_.resize(frame.firstLabel);
+  values_.resize(frame.firstValue);
+  values_.push_back(std::move(record));
+  lastNumber_.reset();
+}
+
+ScriptValue TypedJsonBuilder::recordFrom(std::span<Text> labels, std::span<ScriptValue> values) {
+  FourCharCode type = "reco"_code;
+  fields_.clear();
+  userFields_.clear();
+  std::optional<std::size_t> userFieldsAt;  // they stand where the first of them stood
+  for (std::size_t i = 0; i < labels.size(); ++i) {
+    const std::u16string_view label = labels[i].view();
+    if (i == 0 && label == kClassKey && isClass(values[i])) {
+      type = *values[i].namedCode();
+    } else if (const auto keyword = foundation::keywordFromKey(label)) {
+      fields_.push_back({*keyword, std::move(values[i])});
+    } else {
+      if (!userFieldsAt) userFieldsAt = fields_.size();
+      userFields_.push_back(ScriptValue::text(std::move(labels[i])));
+      userFields_.push_back(std::move(values[i]));
+    }
+  }
+  if (userFieldsAt) {
+    fields_.insert(fields_.begin() + static_cast<std::ptrdiff_t>(*userFieldsAt),
+                   {"usrf"_code, ScriptValue::listTaking(userFields_)});
+  }
+  return ScriptValue::recordTaking(type, fields_);
+}
+
+// An object that is one of the special forms, or stands under the label of one.
+void TypedJsonBuilder::closeObject(const Frame& frame) {
   const auto first = labels_.begin() + static_cast<std::ptrdiff_t>(frame.firstLabel);
   std::vector<Text> labels(std::make_move_iterator(first), std::make_move_iterator(labels_.end()));
   labels_.resize(frame.firstLabel);
@@ -234,7 +261,7 @@ void TypedJsonBuilder::endObject() {
   const bool isForm = form.value || !form.problem.empty();
   Reading plain{std::nullopt, frame.problem};
   if ((!isForm || isUnderRecordLabel()) && plain.problem.empty()) {
-    plain.value = recordFrom(std::move(labels), std::move(values));
+    plain.value = recordFrom(labels, values);
   }
   const Reading& reading = isForm ? form : plain;
   lastNumber_.reset();
@@ -249,16 +276,16 @@ void TypedJsonBuilder::endObject() {
 
 bool TypedJsonBuilder::isUnderRecordLabel() const {
   return !frames_.empty() && frames_.back().isObject &&
-         labels_.size() == frames_.back().firstLabel + 1 && labels_.back().view() == u"$record";
+         labels_.size() == frames_.back().firstLabel + 1 && labels_.back().view() == kRecord;
 }
 
 ScriptValue TypedJsonBuilder::take() { return std::exchange(values_, {}).front(); }
 
 // As one of the special forms; neither value nor problem when it has none of their shapes.
-TypedJsonBuilder::Reading TypedJsonBuilder::readAsForm(
-    const Frame& frame, const std::vector<Text>& labels,
-    const std::vector<ScriptValue>& values) const {
-  if (labels.size() == 1 && labels.front().view() == u"$record") {
+TypedJsonBuilder::Reading TypedJsonBuilder::readAsForm(const Frame& frame,
+                                                       std::span<const Text> labels,
+                                                       std::span<const ScriptValue> values) const {
+  if (labels.size() == 1 && labels.front().view() == kRecord) {
     return frame.plainFirst.value_or(Reading{std::nullopt, "“$record” needs an object"});
   }
   try {
@@ -269,7 +296,7 @@ TypedJsonBuilder::Reading TypedJsonBuilder::readAsForm(
 }
 
 std::optional<ScriptValue> TypedJsonBuilder::specialForm(
-    const std::vector<Text>& labels, const std::vector<ScriptValue>& values) const {
+    std::span<const Text> labels, std::span<const ScriptValue> values) const {
   if (labels.size() == 1 && labels.front().view().starts_with(u'$')) {
     return singleForm(labels.front().view(), values.front());
   }

@@ -2,9 +2,11 @@
 // TypedJsonBuilder: makes a script value from the pieces of a typed JSON text as
 // they are read, in order. Nothing but the finished values is kept.
 
+#include <array>
 #include <cstddef>
 #include <functional>
 #include <optional>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -64,18 +66,24 @@ class TypedJsonBuilder {
 
   void open(bool isObject);
   [[nodiscard]] std::vector<ScriptValue> closeValues(std::size_t first);
+  void closeObject(const Frame& frame);
+  // Takes the labels and values over.
+  [[nodiscard]] ScriptValue recordFrom(std::span<Text> labels, std::span<ScriptValue> values);
   [[nodiscard]] bool isUnderRecordLabel() const;
-  [[nodiscard]] Reading readAsForm(const Frame& frame, const std::vector<Text>& labels,
-                                   const std::vector<ScriptValue>& values) const;
-  [[nodiscard]] std::optional<ScriptValue> specialForm(
-      const std::vector<Text>& labels, const std::vector<ScriptValue>& values) const;
+  [[nodiscard]] Reading readAsForm(const Frame& frame, std::span<const Text> labels,
+                                   std::span<const ScriptValue> values) const;
+  [[nodiscard]] std::optional<ScriptValue> specialForm(std::span<const Text> labels,
+                                                       std::span<const ScriptValue> values) const;
   [[nodiscard]] ScriptValue singleForm(std::u16string_view label, const ScriptValue& value) const;
   [[nodiscard]] ScriptValue numberForm(const ScriptValue& value, const ScriptValue& type) const;
 
   const CompileSource* compileSource_;
   std::vector<Frame> frames_;
-  std::vector<ScriptValue> values_;   // of all open arrays and objects, innermost last
-  std::vector<Text> labels_;          // of all open objects, innermost last
+  std::vector<ScriptValue> values_;  // of all open arrays and objects, innermost last
+  std::vector<Text> labels_;         // of all open objects, innermost last
+  std::vector<ScriptField> fields_;  // room for those of the record that is being made
+  std::vector<ScriptValue> userFields_;
+  std::array<Text, 64> knownLabels_;  // most objects have labels that others had before
   std::optional<Number> lastNumber_;  // as it was read, if nothing was closed since
 };
 

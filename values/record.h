@@ -29,6 +29,9 @@ class Record {
   Record& operator=(Record other) noexcept;
   ~Record();
 
+  /// Makes room for so many fields.
+  void reserve(std::size_t fieldCount) { fields_.reserve(fieldCount); }
+
   /// Stores a value under a key; a key that is there keeps its place.
   void set(Value key, Value value);
 

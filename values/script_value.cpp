@@ -2,6 +2,10 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
+#include <memory>
+#include <new>
+#include <type_traits>
 #include <utility>
 
 #include "values/depth.h"
@@ -16,22 +20,74 @@ struct ScriptValue::Bytes : SharedCount {
   std::string bytes;
 };
 
-struct ScriptValue::Items : SharedCount {
-  Items(std::uint32_t itsDepth, std::vector<ScriptValue> itsItems)
-      : depth(itsDepth), items(std::move(itsItems)) {}
-  Items(const Items&) = delete;
-  Items& operator=(const Items&) = delete;
-  ~Items() {
-    forEachFetched(items, [](ScriptValue& item) { item = ScriptValue(); });
+// The items of a list or the fields of a record. A few of them follow the header in
+// the same allocation; where there are many, a vector does.
+template <class Child>
+class ScriptValue::Children : public SharedCount {
+ public:
+  /// Takes the children over.
+  static const Children* make(std::uint32_t depth, std::span<Child> few) {
+    auto* block = allocate(depth, static_cast<std::uint32_t>(few.size()), few.size_bytes());
+    std::ranges::uninitialized_move(few, std::span(block->few(), few.size()));
+    return block;
+  }
+  static const Children* make(std::uint32_t depth, std::vector<Child> children) {
+    if (children.size() <= kFew) return make(depth, std::span(children));
+    auto* block = allocate(depth, kMany, sizeof(std::vector<Child>));
+    new (block->tail()) std::vector<Child>(std::move(children));
+    return block;
+  }
+  static constexpr std::size_t kFew = 16;
+
+  Children(const Children&) = delete;
+  Children& operator=(const Children&) = delete;
+
+  [[nodiscard]] std::uint32_t depth() const noexcept { return depth_; }
+  [[nodiscard]] std::span<const Child> all() const noexcept {
+    return const_cast<Children*>(this)->all();
+  }
+  [[nodiscard]] std::span<Child> all() noexcept {
+    return count_ == kMany ? std::span<Child>(many()) : std::span<Child>(few(), count_);
+  }
+  /// The children, for whoever holds the block alone.
+  [[nodiscard]] std::vector<Child> take() {
+    if (count_ == kMany) return std::move(many());
+    return {std::make_move_iterator(few()), std::make_move_iterator(few() + count_)};
   }
 
-  std::uint32_t depth;
-  std::vector<ScriptValue> items;
-};
+  static void destroy(const Children* shared) noexcept {
+    auto* block = const_cast<Children*>(shared);
+    if (block->count_ == kMany) {
+      if constexpr (std::is_same_v<Child, ScriptValue>) {
+        forEachFetched(block->many(), [](ScriptValue& item) { item = ScriptValue(); });
+      }
+      std::destroy_at(&block->many());
+    } else {
+      std::destroy_n(block->few(), block->count_);
+    }
+    block->~Children();
+    ::operator delete(block);
+  }
 
-struct ScriptValue::Fields : SharedCount {
-  std::uint32_t depth = 0;
-  std::vector<ScriptField> fields;
+ private:
+  static constexpr std::uint32_t kMany = 0xFFFFFFFF;
+
+  Children(std::uint32_t depth, std::uint32_t count) noexcept : depth_(depth), count_(count) {}
+  ~Children() = default;
+
+  static Children* allocate(std::uint32_t depth, std::uint32_t count, std::size_t tailBytes) {
+    static_assert(sizeof(Children) % alignof(std::vector<Child>) == 0);
+    return new (::operator new(sizeof(Children) + tailBytes)) Children(depth, count);
+  }
+
+  [[nodiscard]] void* tail() noexcept { return this + 1; }
+  [[nodiscard]] Child* few() noexcept { return std::launder(static_cast<Child*>(tail())); }
+  [[nodiscard]] std::vector<Child>& many() noexcept {
+    return *std::launder(static_cast<std::vector<Child>*>(tail()));
+  }
+
+  std::uint32_t depth_;
+  alignas(8) std::uint32_t count_;
 };
 
 namespace {
@@ -39,6 +95,22 @@ namespace {
 std::uint32_t deeperBy(std::uint32_t levels, std::uint32_t deepest) {
   if (deepest + levels > kMaximumDepth) throw NestingTooDeep();
   return deepest + levels;
+}
+
+std::uint32_t depthOver(const std::vector<ScriptValue>& items) {
+  std::uint32_t deepest = 0;
+  for (const ScriptValue& item : items) deepest = std::max(deepest, item.depth());
+  return deeperBy(1, deepest);
+}
+
+std::uint32_t depthOver(const std::vector<ScriptField>& fields) {
+  std::uint32_t deepest = 0;
+  for (const ScriptField& field : fields) {
+    // The list of user fields is the second of a record's own levels.
+    const bool isOwnLevel = field.keyword == "usrf"_code && field.value.hasItems();
+    deepest = std::max(deepest, field.value.depth() - (isOwnLevel ? 1 : 0));
+  }
+  return deeperBy(2, deepest);
 }
 
 bool beginsLikeByteOrderMark(std::u16string_view units) {
@@ -95,10 +167,10 @@ void ScriptValue::retain() const noexcept {
       block<Bytes>()->retain();
       return;
     case Storage::items:
-      block<Items>()->retain();
+      block<Children<ScriptValue>>()->retain();
       return;
     case Storage::fields:
-      block<Fields>()->retain();
+      block<Children<ScriptField>>()->retain();
       return;
   }
 }
@@ -114,10 +186,14 @@ void ScriptValue::release() noexcept {
       if (block<Bytes>()->release()) delete block<Bytes>();
       return;
     case Storage::items:
-      if (block<Items>()->release()) delete block<Items>();
+      if (const auto* items = block<Children<ScriptValue>>(); items->release()) {
+        Children<ScriptValue>::destroy(items);
+      }
       return;
     case Storage::fields:
-      if (block<Fields>()->release()) delete block<Fields>();
+      if (const auto* fields = block<Children<ScriptField>>(); fields->release()) {
+        Children<ScriptField>::destroy(fields);
+      }
       return;
   }
 }
@@ -157,29 +233,39 @@ ScriptValue ScriptValue::typeCode(FourCharCode code) { return withPlain("type"_c
 ScriptValue ScriptValue::null() { return withPayload("null"_code, {}); }
 
 ScriptValue ScriptValue::list(std::vector<ScriptValue> items) {
-  std::uint32_t deepest = 0;
-  for (const ScriptValue& item : items) deepest = std::max(deepest, item.depth());
-  return {"list"_code, Storage::items, new Items(deeperBy(1, deepest), std::move(items))};
+  const std::uint32_t depth = depthOver(items);
+  return {"list"_code, Storage::items, Children<ScriptValue>::make(depth, std::move(items))};
+}
+
+ScriptValue ScriptValue::listTaking(std::vector<ScriptValue>& items) {
+  if (items.size() > Children<ScriptValue>::kFew) return list(std::exchange(items, {}));
+  ScriptValue made{"list"_code, Storage::items,
+                   Children<ScriptValue>::make(depthOver(items), std::span(items))};
+  items.clear();
+  return made;
 }
 
 ScriptValue ScriptValue::record(FourCharCode type, std::vector<ScriptField> fields) {
-  std::uint32_t deepest = 0;
-  for (const ScriptField& field : fields) {
-    // The list of user fields is the second of a record's own levels.
-    const bool isOwnLevel = field.keyword == "usrf"_code && field.value.hasItems();
-    deepest = std::max(deepest, field.value.depth() - (isOwnLevel ? 1 : 0));
-  }
-  return {type, Storage::fields, new Fields{{}, deeperBy(2, deepest), std::move(fields)}};
+  const std::uint32_t depth = depthOver(fields);
+  return {type, Storage::fields, Children<ScriptField>::make(depth, std::move(fields))};
+}
+
+ScriptValue ScriptValue::recordTaking(FourCharCode type, std::vector<ScriptField>& fields) {
+  if (fields.size() > Children<ScriptField>::kFew) return record(type, std::exchange(fields, {}));
+  ScriptValue made{type, Storage::fields,
+                   Children<ScriptField>::make(depthOver(fields), std::span(fields))};
+  fields.clear();
+  return made;
 }
 
 std::span<const ScriptValue> ScriptValue::items() const noexcept {
   if (storage_ != Storage::items) return {};
-  return block<Items>()->items;
+  return block<Children<ScriptValue>>()->all();
 }
 
 std::span<const ScriptField> ScriptValue::fields() const noexcept {
   if (storage_ != Storage::fields) return {};
-  return block<Fields>()->fields;
+  return block<Children<ScriptField>>()->all();
 }
 
 std::optional<Text> ScriptValue::heldText() const noexcept {
@@ -202,14 +288,29 @@ std::optional<Text> ScriptValue::takeText() && noexcept {
 std::vector<ScriptValue> ScriptValue::takeItems() && {
   std::vector<ScriptValue> taken;
   if (storage_ != Storage::items) return taken;
-  if (block<Items>()->isUnique()) {
-    // Nobody else sees the block, and it goes with this value.
-    taken = std::move(const_cast<Items*>(block<Items>())->items);
+  if (block<Children<ScriptValue>>()->isUnique()) {
+    taken = ownBlock<Children<ScriptValue>>()->take();
   } else {
-    taken = block<Items>()->items;
+    taken.assign(items().begin(), items().end());
   }
   *this = ScriptValue();
   return taken;
+}
+
+std::span<ScriptValue> ScriptValue::itemsToTake(std::vector<ScriptValue>& room) {
+  if (storage_ == Storage::items && block<Children<ScriptValue>>()->isUnique()) {
+    return ownBlock<Children<ScriptValue>>()->all();
+  }
+  room.assign(items().begin(), items().end());
+  return room;
+}
+
+std::span<ScriptField> ScriptValue::fieldsToTake(std::vector<ScriptField>& room) {
+  if (storage_ == Storage::fields && block<Children<ScriptField>>()->isUnique()) {
+    return ownBlock<Children<ScriptField>>()->all();
+  }
+  room.assign(fields().begin(), fields().end());
+  return room;
 }
 
 std::string_view ScriptValue::payload() const noexcept {
@@ -237,9 +338,9 @@ bool ScriptValue::isMissingValue() const noexcept { return namedCode() == "msng"
 std::uint32_t ScriptValue::depth() const noexcept {
   switch (storage_) {
     case Storage::items:
-      return block<Items>()->depth;
+      return block<Children<ScriptValue>>()->depth();
     case Storage::fields:
-      return block<Fields>()->depth;
+      return block<Children<ScriptField>>()->depth();
     default:
       return 0;
   }

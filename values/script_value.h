@@ -50,8 +50,12 @@ class ScriptValue {
   static ScriptValue null();
   /// Throws NestingTooDeep.
   static ScriptValue list(std::vector<ScriptValue> items);
+  /// The same; of a few items the vector keeps its room, for the next list.
+  static ScriptValue listTaking(std::vector<ScriptValue>& items);
   /// A record of the class `type` ('reco' for a plain one). Throws NestingTooDeep.
   static ScriptValue record(FourCharCode type, std::vector<ScriptField> fields);
+  /// The same, with the fields as listTaking has its items.
+  static ScriptValue recordTaking(FourCharCode type, std::vector<ScriptField>& fields);
 
   [[nodiscard]] FourCharCode type() const noexcept { return type_; }
 
@@ -73,6 +77,11 @@ class ScriptValue {
   [[nodiscard]] std::optional<Text> takeText() && noexcept;
   /// The items of a list, handed over where nobody else has them, else copied.
   [[nodiscard]] std::vector<ScriptValue> takeItems() &&;
+  /// The items of a list to take from, as long as this value lives: its own where
+  /// nobody else has them, else copies of them in `room`.
+  [[nodiscard]] std::span<ScriptValue> itemsToTake(std::vector<ScriptValue>& room);
+  /// The fields of a record likewise.
+  [[nodiscard]] std::span<ScriptField> fieldsToTake(std::vector<ScriptField>& room);
   /// The payload's bytes, valid as long as this object; empty for lists and records.
   [[nodiscard]] std::string_view payload() const noexcept;
   /// The payload as a plain number, or nothing when its width is another.
@@ -105,8 +114,8 @@ class ScriptValue {
   static constexpr std::size_t kInlineBytes = 8;
 
   struct Bytes;
-  struct Items;
-  struct Fields;
+  template <class Child>
+  class Children;
 
   ScriptValue(FourCharCode type, Storage storage, const void* block) noexcept;
   void retain() const noexcept;
@@ -114,6 +123,11 @@ class ScriptValue {
   template <class Block>
   [[nodiscard]] const Block* block() const noexcept {
     return static_cast<const Block*>(shared_);
+  }
+  // For a block that nobody else has.
+  template <class Block>
+  [[nodiscard]] Block* ownBlock() noexcept {
+    return const_cast<Block*>(block<Block>());
   }
 
   FourCharCode type_;

@@ -16,7 +16,8 @@ struct SharedCount {
 
   /// True when the caller was the last owner and must destroy the payload.
   [[nodiscard]] bool release() const noexcept {
-    return owners.fetch_sub(1, std::memory_order_acq_rel) == 1;
+    // The only owner need not tell anybody.
+    return isUnique() || owners.fetch_sub(1, std::memory_order_acq_rel) == 1;
   }
 
   /// True while the caller is the only owner, so that the payload may be taken apart.

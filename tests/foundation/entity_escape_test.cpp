@@ -53,6 +53,27 @@ TEST(EntityEscape, UnescapesEntitiesAndCharacterReferences) {
   }
 }
 
+TEST(ConvertEntiesInString, GivesTheCharactersOfMarkup) {
+  const struct {
+    std::u16string text;
+    const char* expected;
+  } cases[] = {
+      {u"", ""},
+      {u"plain é😀", "plain é😀"},
+      {u"a &lt; b &amp;&amp; c &gt; d &quot;&apos;", "a < b && c > d \"'"},
+      {u"&#233;&#xE9;&#x1F600;", "éé😀"},
+      {u"one <b>two <i a='1'>three</i></b> four", "one two three four"},
+      {u"a<!-- no -->b<![CDATA[<c>&amp;]]>d", "ab<c>&amp;d"},
+      {u"before &nbsp; after", ""},
+      {u"<b>kept</b> &amp; <i>lost", "kept & lost"},
+      {std::u16string(1, u'\xD800'), "\xEF\xBF\xBD"},
+  };
+  for (const auto& each : cases) {
+    EXPECT_EQ(utf8FromUtf16(convertEntiesInString(each.text)), each.expected)
+        << utf8FromUtf16(each.text);
+  }
+}
+
 RC_GTEST_PROP(EntityEscape, UnescapingGivesBackWhatWasEscaped, ()) {
   const auto bytes = *rc::gen::arbitrary<std::string>();
   const std::u16string text = utf16FromUtf8Replacing(bytes) + u"&<>\"'";

@@ -121,7 +121,9 @@ TEST(ScriptValue, HandsItsTextOverOnce) {
 }
 
 TEST(ScriptValue, HandsTheItemsOfAListOverWhenNobodyElseHasThem) {
-  ScriptValue list = ScriptValue::list({scriptText(u"one"), scriptText(u"two")});
+  std::vector<ScriptValue> items(20, scriptText(u"one"));
+  items[1] = scriptText(u"two");
+  ScriptValue list = ScriptValue::list(std::move(items));
   const ScriptValue* const place = list.items().data();
   const std::vector<ScriptValue> taken = std::move(list).takeItems();
   EXPECT_EQ(taken.data(), place);
@@ -134,6 +136,57 @@ TEST(ScriptValue, CopiesTheItemsOfASharedListSoThatTheOtherKeepsThem) {
   std::vector<ScriptValue> taken = std::move(list).takeItems();
   taken.at(0) = ScriptValue::integer32(0);
   EXPECT_EQ(described(other), "'list' ['utxt' “one”, 'utxt' “two”]");
+}
+
+std::vector<ScriptValue> numbered(std::size_t count) {
+  std::vector<ScriptValue> items;
+  for (std::size_t i = 0; i < count; ++i) {
+    items.push_back(scriptText(u"item " + std::u16string(i % 5, u'x')));
+  }
+  return items;
+}
+
+// Few items lie elsewhere than many.
+TEST(ScriptValue, KeepsItsItemsHoweverManyThereAre) {
+  for (const std::size_t count : {0U, 1U, 2U, 15U, 16U, 17U, 100U}) {
+    const std::vector<ScriptValue> items = numbered(count);
+    std::vector<ScriptValue> given = items;
+    const ScriptValue list = ScriptValue::listTaking(given);
+    EXPECT_TRUE(given.empty());
+    EXPECT_TRUE(list == ScriptValue::list(items)) << count;
+    EXPECT_EQ(ScriptValue(list).takeItems(), items) << count;
+    std::vector<ScriptField> fields;
+    for (const ScriptValue& item : items) fields.push_back({"abcd"_code, item});
+    std::vector<ScriptField> taken = fields;
+    const ScriptValue record = ScriptValue::recordTaking("reco"_code, taken);
+    EXPECT_TRUE(taken.empty());
+    EXPECT_TRUE(record == ScriptValue::record("reco"_code, fields)) << count;
+    EXPECT_EQ(record.fields().size(), count);
+  }
+}
+
+TEST(ScriptValue, GivesItsOwnItemsToTakeFromOnlyWhereNobodyElseHasThem) {
+  for (const std::size_t count : {3U, 40U}) {
+    ScriptValue list = ScriptValue::list(numbered(count));
+    const ScriptValue* const first = list.items().data();
+    std::vector<ScriptValue> room;
+    EXPECT_EQ(list.itemsToTake(room).data(), first);
+    const ScriptValue other = list;
+    EXPECT_NE(list.itemsToTake(room).data(), first);
+    EXPECT_EQ(room.size(), count);
+    room.front() = ScriptValue();
+    EXPECT_EQ(other.items().front(), scriptText(u"item "));
+    ScriptValue record =
+        ScriptValue::record("reco"_code, {{"usrf"_code, ScriptValue::list(numbered(count))}});
+    std::vector<ScriptField> fieldsRoom;
+    EXPECT_EQ(record.fieldsToTake(fieldsRoom).data(), record.fields().data());
+    const ScriptValue otherRecord = record;
+    EXPECT_NE(record.fieldsToTake(fieldsRoom).data(), record.fields().data());
+    EXPECT_EQ(fieldsRoom.size(), 1U);
+    ScriptValue text = scriptText(u"a");
+    EXPECT_TRUE(text.itemsToTake(room).empty());
+    EXPECT_TRUE(text.fieldsToTake(fieldsRoom).empty());
+  }
 }
 
 TEST(ScriptValue, OnlyListsHaveItemsToHandOver) {
