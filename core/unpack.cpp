@@ -23,6 +23,10 @@ namespace {
 
 constexpr int kUnreadableFile = 1012;
 
+constexpr FourCharCode kList = "list"_code;
+constexpr FourCharCode kUserFields = "usrf"_code;
+constexpr FourCharCode kTypeName = "type"_code;
+
 // 'itxt': the script code and the language code, two bytes each, then the text.
 constexpr std::size_t kIntlTextHeader = 4;
 
@@ -68,7 +72,7 @@ void addUserFields(std::span<Item> labelsAndValues, Record& record) {
     Value value = unpackItem(std::move(labelsAndValues[i + 1]));
     if (!value.isRaw()) {
       record.set(std::move(label), std::move(value));
-    } else if (value.raw().type() != "type"_code) {
+    } else if (value.raw().type() != kTypeName) {
       record.set(std::move(label), unpackItem(value.raw()));
     }
   }
@@ -78,7 +82,7 @@ template <class Field, class ItemsOf>
 Record recordFrom(std::span<Field> fields, ItemsOf itemsOf) {
   Record record;
   for (Field& field : fields) {
-    if (field.keyword == "usrf"_code && field.value.type() == "list"_code) {
+    if (field.keyword == kUserFields && field.value.type() == kList) {
       addUserFields(itemsOf(field.value), record);
     } else {
       record.set(foundation::keyFromKeyword(field.keyword), unpackItem(std::move(field.value)));
