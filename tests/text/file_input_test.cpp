@@ -178,6 +178,36 @@ TEST_F(FileText, IsReplacedByPatternInTheAnswerOnly) {
             R"({"result":"a<1>b<22>"})");
 }
 
+// 50 MB, of which every line is changed, cut into fields or found.
+TEST_F(FileText, MayBeLong) {
+  constexpr std::string_view kLine = "größe,12 und \"mehr, viel mehr\"\n";
+  constexpr std::size_t kCount = 50'000'000 / kLine.size();
+  std::string content;
+  content.reserve(kCount * kLine.size());
+  for (std::size_t i = 0; i < kCount; ++i) content += kLine;
+  const std::string file = jsonFile(folder.write("long.csv", content));
+  content.clear();
+  content.shrink_to_fit();
+
+  const std::string changed = upper(file);
+  EXPECT_EQ(changed.size(),
+            std::string_view(R"({"result":""})").size() +
+                kCount * std::string_view(R"(GRÖSSE,12 UND \"MEHR, VIEL MEHR\"\n)").size());
+  EXPECT_NE(changed.find(R"(VIEL MEHR\"\n"})"), std::string::npos);
+
+  const std::string found = commands.answer(
+      R"({"command": "SKWFindIt", "direct": "[0-9]+", "arguments": {"stringToSearch": )" + file +
+      "}}");
+  EXPECT_EQ(found.size(), std::string_view(R"({"result":[]})").size() + kCount * 5 - 1);
+
+  const std::string rows = commands.answer(
+      R"({"command": "SKWMungeText", "arguments": {"stringMungeOption": {"$enum": "0x62E56563"}},)"
+      R"("direct": )" +
+      file + "}");
+  EXPECT_TRUE(rows.starts_with(R"({"result":[["größe","12 und mehr, viel mehr"],)"));
+  EXPECT_EQ(std::ranges::count(rows, '['), static_cast<std::ptrdiff_t>(kCount) + 1);
+}
+
 // Kept: where a text is replaced literally, a file stands for its address.
 TEST_F(FileText, IsOnlyLookedAtWhereTheAddressIsReplaced) {
   const std::string file = jsonFile(folder.write("notes x.txt", "notes"));
