@@ -1,7 +1,10 @@
 #include "foundation/posix_path.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <optional>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "foundation/text_encoding.h"
@@ -42,17 +45,44 @@ std::u16string withTildeExpanded(std::u16string_view path) {
   return utf16FromUtf8Replacing(*home) + std::u16string(path.substr(end));
 }
 
-// Replaces the components of a folder by those of its real parent.
-void goToParent(Components& components) {
-  if (components.empty()) return;
-  const std::u16string path = absolutePathOf(components);
-  if (!holdsNul(path)) {
-    if (const auto real = platform::resolvedLink(utf8FromUtf16(path))) {
-      components = componentsOf(utf16FromUtf8Replacing(*real));
+// An absolute path on its way through its components.
+class Walk {
+ public:
+  void goInto(std::u16string component) {
+    unitCount_ += component.size() + 1;
+    components_.push_back(std::move(component));
+  }
+
+  /// Goes to the real parent of the folder.
+  void goToParent() {
+    if (components_.empty()) return;
+    followLink();
+    if (components_.empty()) return;
+    unitCount_ -= components_.back().size() + 1;
+    components_.pop_back();
+  }
+
+  [[nodiscard]] std::u16string path() const { return absolutePathOf(components_); }
+
+ private:
+  void followLink() {
+    // The system takes no path of more bytes, and each unit is at least one.
+    constexpr std::size_t kLongestPath = 4096;
+    if (unitCount_ > kLongestPath) return;
+    const std::u16string folder = path();
+    if (holdsNul(folder)) return;
+    const auto real = platform::resolvedLink(utf8FromUtf16(folder));
+    if (!real) return;
+    components_.clear();
+    unitCount_ = 0;
+    for (std::u16string& component : componentsOf(utf16FromUtf8Replacing(*real))) {
+      goInto(std::move(component));
     }
   }
-  if (!components.empty()) components.pop_back();
-}
+
+  Components components_;
+  std::size_t unitCount_ = 0;  // of the path
+};
 
 }  // namespace
 
@@ -66,15 +96,15 @@ std::u16string standardizedPath(std::u16string_view path) {
     }
     return relative.empty() ? u"." : relative;
   }
-  Components components;
+  Walk walk;
   for (std::u16string& component : componentsOf(expanded)) {
     if (component == u"..") {
-      goToParent(components);
+      walk.goToParent();
     } else {
-      components.push_back(std::move(component));
+      walk.goInto(std::move(component));
     }
   }
-  return absolutePathOf(components);
+  return walk.path();
 }
 
 }  // namespace skerrow::foundation

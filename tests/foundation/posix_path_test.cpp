@@ -74,6 +74,18 @@ TEST_F(PosixPathWithHome, ExpandsATildeInFront) {
   EXPECT_EQ(standardized("~no-such-user/x/"), "~no-such-user/x");
 }
 
+// Longer than the system takes, so no link is looked for; a time that grew with the
+// square would be noticed.
+TEST(PosixPath, GoesUpInPathsOfAnyLength) {
+  std::u16string path = u"/";
+  std::u16string expected;
+  for (int i = 0; i < 100'000; ++i) {
+    path += u"a/../b/./";
+    expected += u"/b";
+  }
+  EXPECT_EQ(standardizedPath(path), expected);
+}
+
 class PosixPathOnDisk : public testing::Test {
  protected:
   PosixPathOnDisk() {
