@@ -31,12 +31,14 @@ std::optional<double> parsed(std::u16string_view pattern, std::u16string_view te
   return date->seconds;
 }
 
+struct DateCase {
+  const char16_t* pattern;
+  const char16_t* text;
+  double expected;
+};
+
 TEST(DateParser, ReadsDatesByTheirPattern) {
-  const struct {
-    const char16_t* pattern;
-    const char16_t* text;
-    double expected;
-  } cases[] = {
+  const DateCase cases[] = {
       {u"yyyy-MM-dd", u"2024-02-29", at(2024, 2, 29)},
       {u"yyyyMMdd", u"20240209", at(2024, 2, 9)},
       {u"d MMMM yyyy", u"3 March 2024", at(2024, 3, 3)},
@@ -68,11 +70,7 @@ TEST(DateParser, TakesMissingFieldsFromTheStartOf2000) {
 
 // What else a pattern says of a day does not move the date, wherever it stands.
 TEST(DateParser, TakesTheDateAsItStandsBesideItsWeek) {
-  const struct {
-    const char16_t* pattern;
-    const char16_t* text;
-    double expected;
-  } cases[] = {
+  const DateCase cases[] = {
       {u"yyyy-MM-dd EEEE", u"2024-03-01 Friday", at(2024, 3, 1)},
       {u"EEE, dd MMM yyyy", u"Fri, 01 Mar 2024", at(2024, 3, 1)},
       {u"dd MMM yyyy, EEE", u"01 Mar 2024, Fri", at(2024, 3, 1)},
