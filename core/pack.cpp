@@ -10,6 +10,8 @@
 #include "foundation/text_encoding.h"
 #include "foundation/url.h"
 #include "values/fetching.h"
+#include "values/keys.h"
+#include "values/record.h"
 
 namespace skerrow::core {
 
@@ -68,7 +70,37 @@ ScriptValue packOrMissing(const Value& value) {
   return makeDescriptor(value).value_or(descriptorWithMissingValue());
 }
 
-// Builds one record at the scripting boundary.
+ScriptValue packOrMissing(Value&& value) {
+  return makeDescriptor(std::move(value)).value_or(descriptorWithMissingValue());
+}
+
+bool isNullValue(const ScriptValue& value) { return value.type() == "null"_code; }
+
+// Whether all keys are labels, so that records with these keys have nothing but user
+// fields.
+bool areLabels(const Keys& keys) {
+  return std::ranges::all_of(keys.all(), [](const Value& key) {
+    return key.isText() && !foundation::keywordFromKey(key.text());
+  });
+}
+
+// A record whose keys are all labels. Values that are not constant are used up.
+template <class Item>
+ScriptValue packLabelled(Keys labels, std::span<Item> values) {
+  std::vector<ScriptValue> packed;
+  packed.reserve(values.size());
+  for (Item& value : values) packed.push_back(packOrMissing(std::move(value)));
+  if (std::ranges::any_of(packed, isNullValue)) {
+    const Keys all = std::exchange(labels, {});
+    for (std::size_t i = 0; i < packed.size(); ++i) {
+      if (!isNullValue(packed[i])) labels.append(all[i]);
+    }
+    std::erase_if(packed, isNullValue);
+  }
+  return ScriptValue::labelledRecord("reco"_code, labels, packed);
+}
+
+// Builds one record at the scripting boundary, of whatever keys.
 class RecordPacker {
  public:
   explicit RecordPacker(std::size_t fieldCount) { userFields_.reserve(2 * fieldCount); }
@@ -84,7 +116,7 @@ class RecordPacker {
       } else {
         setKeyword(*code, std::move(packed));
       }
-    } else if (packed.type() != "null"_code) {
+    } else if (!isNullValue(packed)) {
       userFields_.push_back(std::move(packedKey));
       userFields_.push_back(std::move(packed));
     }
@@ -167,15 +199,15 @@ ScriptValue makeDescriptorForArray(std::span<const Value> items) {
 std::optional<ScriptValue> makeDescriptor(Value&& value) {
   if (value.isText()) return ScriptValue::text(std::move(value).takeText());
   if (value.isList()) return makeDescriptorForArray(std::move(value).takeItems());
+  if (value.isRecord()) return makeDescriptorForDictionary(std::move(value).takeRecord());
   return makeDescriptor(std::as_const(value));
 }
 
 ScriptValue makeDescriptorForArray(std::vector<Value>&& items) {
   std::vector<ScriptValue> packed;
   packed.reserve(items.size());
-  forEachFetched(items, [&packed](Value& item) {
-    packed.push_back(makeDescriptor(std::move(item)).value_or(descriptorWithMissingValue()));
-  });
+  forEachFetched(items,
+                 [&packed](Value& item) { packed.push_back(packOrMissing(std::move(item))); });
   items.clear();
   return ScriptValue::list(std::move(packed));
 }
@@ -189,9 +221,17 @@ std::optional<ScriptValue> makeListDescriptorForArrayOfDescriptors(std::span<con
 }
 
 ScriptValue makeDescriptorForDictionary(const Record& record) {
+  if (areLabels(record.keys())) return packLabelled(record.keys(), record.values());
   RecordPacker packer(record.fieldCount());
   for (const Record::Field& field : record.fields()) packer.add(field.key, field.value);
   return std::move(packer).finish();
+}
+
+ScriptValue makeDescriptorForDictionary(Record&& record) {
+  if (!areLabels(record.keys())) return makeDescriptorForDictionary(std::as_const(record));
+  const Keys labels = record.keys();
+  std::vector<Value> values = std::move(record).takeValues();
+  return packLabelled(labels, std::span(values));
 }
 
 ScriptValue descriptorWithMissingValue() { return {}; }

@@ -30,6 +30,7 @@ std::optional<ScriptValue> makeListDescriptorForArrayOfDescriptors(std::span<con
 /// their order. A raw key of type 'type' or 'prop' is the keyword that it names,
 /// and «pcls» among those makes a record of that class.
 ScriptValue makeDescriptorForDictionary(const Record& record);
+ScriptValue makeDescriptorForDictionary(Record&& record);
 
 ScriptValue descriptorWithMissingValue();
 

@@ -13,6 +13,7 @@
 #include "foundation/url.h"
 #include "platform/byte_stream.h"
 #include "platform/platform_error.h"
+#include "values/keys.h"
 #include "values/record.h"
 
 namespace skerrow::core {
@@ -38,9 +39,21 @@ Value eachItem(std::span<const ScriptValue> items, Convert&& convert) {
   return values;
 }
 
-Value unpackItem(const ScriptValue& item) { return unpack(item).value_or(Value()); }
+Value heldText(const ScriptValue& item) { return *item.heldText(); }
 
-Value unpackItem(ScriptValue&& item) { return unpack(std::move(item)).value_or(Value()); }
+Value heldText(ScriptValue&& item) { return *std::move(item).takeText(); }
+
+// The two that there are most of go the shortest way.
+template <class Item>
+Value unpackItem(Item&& item) {
+  if (item.holdsText()) return heldText(std::forward<Item>(item));
+  if (item.type() == "long"_code) {
+    if (const auto integer = item.template plain<std::int32_t>()) {
+      return Number::signed32(*integer);
+    }
+  }
+  return unpack(std::forward<Item>(item)).value_or(Value());
+}
 
 std::optional<Value> unpackDate(const ScriptValue& value) {
   const auto seconds = value.plain<std::int64_t>();
@@ -61,32 +74,46 @@ std::optional<Value> asValue(std::optional<Held> held) {
   return Value(std::move(*held));
 }
 
-// The items of a 'usrf' list: label, value, label, value. The last label has no
-// value when the count is odd.
-// From items that are constant nothing is taken.
-template <class Item>
-void addUserFields(std::span<Item> labelsAndValues, Record& record) {
-  record.reserve(record.fieldCount() + labelsAndValues.size() / 2);
-  for (std::size_t i = 0; i + 1 < labelsAndValues.size(); i += 2) {
-    Value label = unpackItem(std::move(labelsAndValues[i]));
-    Value value = unpackItem(std::move(labelsAndValues[i + 1]));
-    if (!value.isRaw()) {
-      record.set(std::move(label), std::move(value));
-    } else if (value.raw().type() != kTypeName) {
-      record.set(std::move(label), unpackItem(value.raw()));
-    }
+void setUserField(Record& record, Value label, Value value) {
+  if (!value.isRaw()) {
+    record.set(std::move(label), std::move(value));
+  } else if (value.raw().type() != kTypeName) {
+    record.set(std::move(label), unpackItem(value.raw()));
   }
 }
 
-template <class Field, class ItemsOf>
-Record recordFrom(std::span<Field> fields, ItemsOf itemsOf) {
+// The items of a 'usrf' list: label, value, label, value. The last label has no
+// value when the count is odd.
+void setUserFields(Record& record, std::span<const ScriptValue> labelsAndValues) {
+  record.reserve(record.fieldCount() + labelsAndValues.size() / 2);
+  for (std::size_t i = 0; i + 1 < labelsAndValues.size(); i += 2) {
+    setUserField(record, unpackItem(labelsAndValues[i]), unpackItem(labelsAndValues[i + 1]));
+  }
+}
+
+Record recordFrom(std::span<const ScriptField> fields) {
   Record record;
-  for (Field& field : fields) {
+  for (const ScriptField& field : fields) {
     if (field.keyword == kUserFields && field.value.type() == kList) {
-      addUserFields(itemsOf(field.value), record);
+      setUserFields(record, field.value.items());
     } else {
-      record.set(foundation::keyFromKeyword(field.keyword), unpackItem(std::move(field.value)));
+      record.set(foundation::keyFromKeyword(field.keyword), unpackItem(field.value));
     }
+  }
+  return record;
+}
+
+// The record shares its labels with the one that it is made from, and takes its
+// values where they are not constant.
+template <class Item>
+Record recordFrom(const Keys& labels, std::span<Item> items) {
+  std::vector<Value> values;
+  values.reserve(items.size());
+  for (Item& item : items) values.push_back(unpackItem(std::move(item)));
+  if (std::ranges::none_of(values, &Value::isRaw)) return {labels, std::move(values)};
+  Record record;
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    setUserField(record, labels[i], std::move(values[i]));
   }
   return record;
 }
@@ -218,7 +245,7 @@ std::optional<Value> unpack(const ScriptValue& value) {
 }
 
 std::optional<Value> unpack(ScriptValue&& value) {
-  if (value.holdsText()) return Value(*std::move(value).takeText());
+  if (value.holdsText()) return heldText(std::move(value));
   if (value.hasItems()) return unpackAEList(std::move(value));
   if (value.type() == "reco"_code) return unpackAERecord(std::move(value));
   return unpack(std::as_const(value));
@@ -253,19 +280,21 @@ Value unpackListShallow(const ScriptValue& list) {
 }
 
 std::optional<Value> unpackAERecord(const ScriptValue& record) {
-  return recordFrom(record.fields(), [](const ScriptValue& list) { return list.items(); });
+  if (const Keys* labels = record.labels()) return recordFrom(*labels, record.labelledValues());
+  return recordFrom(record.fields());
 }
 
 std::optional<Value> unpackAERecord(ScriptValue&& record) {
-  std::vector<ScriptField> fieldsRoom;
-  std::vector<ScriptValue> itemsRoom;
-  return recordFrom(record.fieldsToTake(fieldsRoom),
-                    [&itemsRoom](ScriptValue& list) { return list.itemsToTake(itemsRoom); });
+  std::vector<ScriptValue> room;
+  if (const Keys* labels = record.labels()) {
+    return recordFrom(*labels, record.labelledValuesToTake(room));
+  }
+  return recordFrom(record.fields());
 }
 
 std::optional<Value> unpackUnknown(const ScriptValue& value) {
   if (!value.hasFields()) return Value(value);
-  std::vector<ScriptField> fields(value.fields().begin(), value.fields().end());
+  std::vector<ScriptField> fields = value.fields();
   const auto theClass = std::ranges::find(fields, "pcls"_code, &ScriptField::keyword);
   if (theClass != fields.end()) {
     theClass->value = ScriptValue::typeCode(value.type());

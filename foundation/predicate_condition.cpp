@@ -171,18 +171,11 @@ Truth ComparisonCondition::isIn(const Value& part, const Value& whole,
                                 PredicateEvaluation& evaluation) const {
   if (whole.isNull()) return Truth::no;
   if (members_) return truthOf(members_->contains(part));
-  if (whole.isList()) {
-    const std::span<const Value> items = whole.items();
-    evaluation.spend(items.size());
+  if (whole.isList() || whole.isRecord()) {
+    const auto values = whole.isList() ? whole.items() : whole.record().values();
+    evaluation.spend(values.size());
     return truthOf(std::ranges::any_of(
-        items, [&](const Value& item) { return isEqual(part, item, evaluation); }));
-  }
-  if (whole.isRecord()) {
-    const std::span<const Record::Field> fields = whole.record().fields();
-    evaluation.spend(fields.size());
-    return truthOf(std::ranges::any_of(fields, [&](const Record::Field& field) {
-      return isEqual(part, field.value, evaluation);
-    }));
+        values, [&](const Value& value) { return isEqual(part, value, evaluation); }));
   }
   if (!whole.isText()) return Truth::unknown;
   if (part.isNull()) return Truth::no;

@@ -10,6 +10,7 @@
 #include "core/script_error.h"
 #include "core/unpack.h"
 #include "lists/list_input.h"
+#include "values/keys.h"
 #include "values/record.h"
 
 namespace skerrow::lists {
@@ -25,14 +26,21 @@ class SKWLinkValueListsWithLabels final : public core::Command {
 
   std::optional<Value> compute() override {
     const auto labels = labelsArgument(evaluatedArguments(), "withLabels");
+    Keys keys;                        // which all the records share
+    std::vector<std::size_t> places;  // of each label; where one is repeated, the last value counts
+    for (const Value& label : labels) {
+      const std::size_t place = keys.position(label);
+      places.push_back(place == Keys::kNone ? keys.count() : place);
+      if (place == Keys::kNone) keys.append(label);
+    }
     std::vector<Value> records = core::unpackAEList(*takeDirectParameter()).takeItems();
     for (Value& item : records) {
       if (!item.isList()) throw core::ScriptError(kNotAList);
       const auto values = item.items();
       if (values.size() != labels.size()) throw core::ScriptError(kCountsDiffer);
-      Record record;
-      for (std::size_t i = 0; i < labels.size(); ++i) record.set(labels[i], values[i]);
-      item = Value(std::move(record));
+      std::vector<Value> inOrder(keys.count());
+      for (std::size_t i = 0; i < places.size(); ++i) inOrder[places[i]] = values[i];
+      item = Record(keys, std::move(inOrder));
     }
     return records;
   }

@@ -19,9 +19,9 @@ const Value& required(const core::Arguments& arguments, std::string_view key,
 }
 
 std::optional<Record> asRecord(const ScriptValue& value) {
-  const auto unpacked = value.hasFields() ? core::unpack(value) : std::nullopt;
+  auto unpacked = value.hasFields() ? core::unpack(value) : std::nullopt;
   if (!unpacked) return std::nullopt;
-  return unpacked->record();
+  return std::move(*unpacked).takeRecord();
 }
 
 // Its text, or for the name of a class or property its code between « and ».

@@ -7,6 +7,7 @@
 
 #include "core/command.h"
 #include "lists/list_input.h"
+#include "values/keys.h"
 #include "values/record.h"
 #include "values/value_index.h"
 
@@ -23,12 +24,24 @@ class SKWRemoveEntriesFromRecord final : public core::Command {
     const auto records = recordsArgument(evaluatedArguments(), "inRecords");
     std::vector<Value> results;
     results.reserve(records.size());
+    Keys all;   // of the record before, which most often are those of the next one too
+    Keys kept;  // what is left of them
+    std::vector<std::size_t> keptAt;
     for (const Record& record : records) {
-      Record rest;
-      for (const Record::Field& field : record.fields()) {
-        if (!labels.contains(field.key)) rest.set(field.key, field.value);
+      if (!record.keys().areShared(all)) {
+        all = record.keys();
+        kept = Keys();
+        keptAt.clear();
+        for (std::size_t i = 0; i < all.count(); ++i) {
+          if (labels.contains(all[i])) continue;
+          kept.append(all[i]);
+          keptAt.push_back(i);
+        }
       }
-      results.emplace_back(std::move(rest));
+      std::vector<Value> rest;
+      rest.reserve(keptAt.size());
+      for (const std::size_t i : keptAt) rest.push_back(record.values()[i]);
+      results.emplace_back(Record(kept, std::move(rest)));
     }
     return results;
   }

@@ -5,7 +5,9 @@
 
 #include <rapidjson/encodings.h>
 
+#include <bit>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <string_view>
 
@@ -89,19 +91,52 @@ struct rapidjson::Transcoder<skerrow::scripting::JsonUtf8, skerrow::scripting::J
 
   template <class Output>
   static bool Validate(skerrow::scripting::JsonSource& source, Output& output) {
+    const std::string_view ready = source.ready();
+    const std::size_t plain = plainCount(ready);
+    if (plain == 0) return otherCharacters(source, output);
+    auto* const units = static_cast<char16_t*>(output.Push(static_cast<SizeType>(plain)));
+    for (std::size_t i = 0; i < plain; ++i) units[i] = static_cast<unsigned char>(ready[i]);
+    source.skip(plain);
+    return true;
+  }
+
+ private:
+  // How many bytes at the front stand for themselves: ASCII but for control characters,
+  // quotation marks and backslashes.
+  static std::size_t plainCount(std::string_view bytes) {
+    constexpr std::uint64_t kEach = 0x0101010101010101U;
+    std::size_t count = 0;
+    for (std::uint64_t word = 0; bytes.size() - count >= sizeof word; count += sizeof word) {
+      std::memcpy(&word, bytes.data() + count, sizeof word);
+      if constexpr (std::endian::native == std::endian::big) word = __builtin_bswap64(word);
+      // The highest bit of each byte that is none of these. Subtracting may set it in
+      // plain bytes too, but only behind another one.
+      const std::uint64_t marked = (word | (word - kEach * ' ') | ((word ^ kEach * '"') - kEach) |
+                                    ((word ^ kEach * '\\') - kEach)) &
+                                   kEach * 0x80;
+      if (marked != 0) return count + static_cast<std::size_t>(std::countr_zero(marked)) / 8;
+    }
+    while (count < bytes.size() && isPlain(bytes[count])) ++count;
+    return count;
+  }
+
+  static bool isPlain(char character) {
+    return character >= ' ' && character != '"' && character != '\\';
+  }
+
+  // A run of characters that are not ASCII, or any one character.
+  template <class Output>
+  static bool otherCharacters(skerrow::scripting::JsonSource& source, Output& output) {
+    constexpr std::size_t kRun = 256;
     char16_t units[kRun];
-    const std::string_view ready = source.ready().substr(0, kRun);
+    const std::string_view ready = source.ready();
     std::size_t taken = 0;
     std::size_t count = 0;
-    while (taken < ready.size()) {
-      if (isPlain(ready[taken])) {
-        units[count++] = static_cast<unsigned char>(ready[taken++]);
-      } else if (const unsigned character = shortCharacter(ready.substr(taken)); character != 0) {
-        units[count++] = static_cast<char16_t>(character);
-        taken += character < 0x800 ? 2 : 3;
-      } else {
-        break;
-      }
+    while (count < kRun && taken < ready.size()) {
+      const unsigned character = shortCharacter(ready.substr(taken));
+      if (character == 0) break;
+      units[count++] = static_cast<char16_t>(character);
+      taken += character < 0x800 ? 2 : 3;
     }
     if (count == 0) return one(source, output);
     std::memcpy(output.Push(static_cast<SizeType>(count)), units, count * sizeof(char16_t));
@@ -109,19 +144,12 @@ struct rapidjson::Transcoder<skerrow::scripting::JsonUtf8, skerrow::scripting::J
     return true;
   }
 
- private:
-  static constexpr std::size_t kRun = 256;
-
   template <class Output>
   static bool one(skerrow::scripting::JsonSource& source, Output& output) {
     unsigned character = 0;
     if (!skerrow::scripting::JsonUtf8::Decode(source, &character)) return false;
     skerrow::scripting::JsonUtf16::Encode(output, character);
     return true;
-  }
-
-  static bool isPlain(char character) {
-    return character >= ' ' && character < 0x7F && character != '"' && character != '\\';
   }
 
   static unsigned continuation(char byte) {

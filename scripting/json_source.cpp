@@ -19,10 +19,27 @@ constexpr std::size_t kEscape = 6;  // \uXXXX
 bool isLeading(unsigned unit) { return (unit & 0xFC00U) == 0xD800; }
 bool isTrailing(unsigned unit) { return (unit & 0xFC00U) == 0xDC00; }
 
-// Characters of UTF-8, by the bytes that begin one.
+// Characters of UTF-8: all bytes but those that go on with one, eight at a time.
 std::size_t characterCount(std::string_view text) {
-  return static_cast<std::size_t>(std::ranges::count_if(
-      text, [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80; }));
+  std::size_t count = text.size();
+  while (!text.empty()) {
+    std::uint64_t bytes = 0;
+    const std::size_t taken = std::min(text.size(), sizeof bytes);
+    std::memcpy(&bytes, text.data(), taken);
+    // 10xxxxxx: the highest bit is set, and the next is not.
+    constexpr std::uint64_t kEach = 0x0101010101010101U;
+    const std::uint64_t goOn = (bytes & ~(bytes << 1U)) >> 7U & kEach;
+    count -= goOn * kEach >> 56U;  // their sum
+    text.remove_prefix(taken);
+  }
+  return count;
+}
+
+// Where the last line of a text begins.
+std::size_t startOfLastLine(std::string_view text) {
+  const void* const lineEnd = ::memrchr(text.data(), '\n', text.size());
+  if (lineEnd == nullptr) return 0;
+  return static_cast<std::size_t>(static_cast<const char*>(lineEnd) - text.data()) + 1;
 }
 
 // The unit that the escape at the front spells; nothing when there is none.
@@ -42,27 +59,27 @@ JsonSource::JsonSource(std::string_view text)
   replaceStrayMarks(0);
   passByteOrderMark();
   prepare(prepared_);
-  findEnd();
+  goOnAt(0);
 }
 
 JsonSource::JsonSource(Read read) : read_(std::move(read)) {}
 
 bool JsonSource::beginLine() {
   if (stopsAtLineEnds_) {
-    while (!isAtEnd()) position_ = end_;
-    if (isAtLineEnd_) ++position_;
+    while (!isAtEnd()) next_ = end_;
+    if (isAtLineEnd_) ++next_;
     isAtLineEnd_ = false;
   }
   stopsAtLineEnds_ = true;
-  findEnd();
+  goOnAt(position());
   return !isAtEnd() || isAtLineEnd_;
 }
 
-bool JsonSource::isAtEnd() { return Peek() == '\0' && position_ == end_; }
+bool JsonSource::isAtEnd() { return Peek() == '\0' && next_ == end_; }
 
 std::optional<double> JsonSource::zeroBehind() const {
   NumberRun number = servedRun_;
-  number.append(std::string_view(buffer_).substr(0, position_));
+  number.append(std::string_view(buffer_).substr(0, position()));
   if (number.hasOtherDigits) return std::nullopt;
   return number.isNegative ? -0.0 : 0.0;
 }
@@ -80,10 +97,10 @@ void JsonSource::NumberRun::append(std::string_view text) {
 }
 
 JsonSource::Ch JsonSource::peekBeyond() {
-  while (position_ == end_) {
+  while (next_ == end_) {
     if (isAtLineEnd_ || !refill()) return '\0';
   }
-  return buffer_[position_];
+  return *next_;
 }
 
 void JsonSource::readPiece() {
@@ -114,9 +131,10 @@ bool JsonSource::refill() {
   // Everything before the next byte has served; its lines and characters are counted.
   // Some bytes stay, as a fault is found only behind its place.
   constexpr std::size_t kKept = 64;
-  const std::size_t dropped = position_ > kKept ? position_ - kKept : 0;
+  const std::size_t dropped = position() > kKept ? position() - kKept : 0;
+  const std::size_t kept = position() - dropped;
   const std::string_view served(buffer_.data(), dropped);
-  const std::size_t lastLine = served.rfind('\n') + 1;  // 0 where there is no line end
+  const std::size_t lastLine = startOfLastLine(served);
   if (lastLine > 0) {
     linesBefore_ += static_cast<std::size_t>(std::ranges::count(served, '\n'));
     charactersBefore_ = 0;
@@ -127,12 +145,10 @@ bool JsonSource::refill() {
   offset_ += dropped;
   filled_ -= dropped;
   prepared_ -= dropped;
-  position_ -= dropped;
-  end_ = position_;
   readPiece();
   passByteOrderMark();
   prepare(prepared_);
-  findEnd();
+  goOnAt(kept);
   return true;
 }
 
@@ -173,21 +189,22 @@ void JsonSource::prepare(std::size_t from) {
   prepared_ = filled_;
 }
 
-void JsonSource::findEnd() {
-  end_ = prepared_;
-  if (!stopsAtLineEnds_) return;
-  const std::size_t lineEnd = buffer_.find('\n', position_);
-  if (lineEnd < prepared_) {
-    end_ = lineEnd;
-    isAtLineEnd_ = true;
+void JsonSource::goOnAt(std::size_t position) {
+  std::size_t end = prepared_;
+  if (stopsAtLineEnds_) {
+    const std::size_t lineEnd = buffer_.find('\n', position);
+    isAtLineEnd_ = lineEnd < prepared_;
+    if (isAtLineEnd_) end = lineEnd;
   }
+  next_ = buffer_.data() + position;
+  end_ = buffer_.data() + end;
 }
 
 std::string JsonSource::placeOf(std::size_t offset) const {
   const std::size_t known = offset > offset_ ? std::min(offset - offset_, filled_) : 0;
   const std::string_view before(buffer_.data(), known);
   const auto lineEnds = static_cast<std::size_t>(std::ranges::count(before, '\n'));
-  const std::size_t column = characterCount(before.substr(before.rfind('\n') + 1)) +
+  const std::size_t column = characterCount(before.substr(startOfLastLine(before))) +
                              (lineEnds == 0 ? charactersBefore_ : 0) + 1;
   return "line " + std::to_string(linesBefore_ + lineEnds + 1) + ", column " +
          std::to_string(column);

@@ -23,6 +23,8 @@ class JsonSource {
   explicit JsonSource(std::string_view text);
   /// A text that is read as it is needed.
   explicit JsonSource(Read read);
+  JsonSource(const JsonSource&) = delete;
+  JsonSource& operator=(const JsonSource&) = delete;
 
   /// Goes to the start of the next line (the first one at first) and makes it a
   /// text of its own: reading stops at its end. False when there is none.
@@ -41,18 +43,17 @@ class JsonSource {
 
   // What the JSON library calls. A NUL stands for the end; whether it is one,
   // isAtEnd tells.
-  Ch Peek() { return position_ != end_ ? buffer_[position_] : peekBeyond(); }
+  Ch Peek() { return next_ != end_ ? *next_ : peekBeyond(); }
   Ch Take() {
-    const Ch next = Peek();
-    if (position_ != end_) ++position_;
-    return next;
+    if (next_ != end_) return *next_++;
+    const Ch taken = peekBeyond();
+    if (next_ != end_) ++next_;
+    return taken;
   }
   /// What lies ready to be taken without reading on; empty at an end.
-  [[nodiscard]] std::string_view ready() const noexcept {
-    return std::string_view(buffer_).substr(position_, end_ - position_);
-  }
-  void skip(std::size_t count) noexcept { position_ += count; }
-  [[nodiscard]] std::size_t Tell() const noexcept { return offset_ + position_; }
+  [[nodiscard]] std::string_view ready() const noexcept { return {next_, end_}; }
+  void skip(std::size_t count) noexcept { next_ += count; }
+  [[nodiscard]] std::size_t Tell() const noexcept { return offset_ + position(); }
   // Parts of the library's stream interface that reading never uses.
   static Ch* PutBegin() { return nullptr; }
   static void Put(Ch /*character*/) {}
@@ -73,18 +74,22 @@ class JsonSource {
     void append(std::string_view text);
   };
 
+  [[nodiscard]] std::size_t position() const noexcept {
+    return static_cast<std::size_t>(next_ - buffer_.data());
+  }
   Ch peekBeyond();
   bool refill();
   void readPiece();
   void passByteOrderMark();
   void replaceStrayMarks(std::size_t from);
   void prepare(std::size_t from);
-  void findEnd();
+  // Where the next byte is, and as much behind it as may be taken.
+  void goOnAt(std::size_t position);
 
   Read read_;
   std::string buffer_;
-  std::size_t position_ = 0;  // the next byte
-  std::size_t end_ = 0;       // the end of what may be taken
+  const char* next_ = buffer_.data();  // the next byte, in the buffer
+  const char* end_ = next_;            // the end of what may be taken
   std::size_t prepared_ = 0;  // up to here escapes have been looked at
   std::size_t filled_ = 0;    // the end of what was read
   std::size_t offset_ = 0;    // of the buffer's first byte in the whole text

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <iterator>
 #include <limits>
+#include <ranges>
 #include <utility>
 
 #include "core/unpack.h"
@@ -15,6 +16,7 @@
 #include "foundation/text_encoding.h"
 #include "foundation/url.h"
 #include "values/depth.h"
+#include "values/text.h"
 
 namespace skerrow::scripting {
 
@@ -176,35 +178,23 @@ void TypedJsonBuilder::beginArray() { open(false); }
 void TypedJsonBuilder::beginObject() { open(true); }
 
 void TypedJsonBuilder::addLabel(std::u16string_view label) {
-  constexpr std::size_t kLongestKnown = 32;
-  if (label.empty() || label.size() > kLongestKnown) {
-    labels_.emplace_back(label);
-    return;
-  }
-  const std::size_t mixed = label.size() * 31 + label.front() * 7U + label.back();
-  Text& known = knownLabels_[mixed % knownLabels_.size()];
-  if (!haveSameUnits(known.view(), label)) known = Text(label);
-  labels_.push_back(known);
+  labels_.push(label);
+  Frame& frame = frames_.back();
+  frame.labelHash = (frame.labelHash ^ hashOfUnits(label)) * 0x9E3779B97F4A7C15ULL;
+  frame.hasFormLabel = frame.hasFormLabel || label.starts_with(u'$');
 }
 
 void TypedJsonBuilder::open(bool isObject) {
   if (frames_.size() >= kMaximumDepth) throw NestingTooDeep();
-  frames_.push_back({isObject, values_.size(), labels_.size()});
-}
-
-std::vector<ScriptValue> TypedJsonBuilder::closeValues(std::size_t first) {
-  if (first == 0) return std::exchange(values_, {});  // the outermost: all there is
-  const auto begin = values_.begin() + static_cast<std::ptrdiff_t>(first);
-  std::vector<ScriptValue> values(std::make_move_iterator(begin),
-                                  std::make_move_iterator(values_.end()));
-  values_.resize(first);
-  return values;
+  frames_.push_back({isObject, false, values_.size(), labels_.count(), 0});
 }
 
 void TypedJsonBuilder::endArray() {
-  const Frame frame = frames_.back();
+  const std::size_t first = frames_.back().firstValue;
   frames_.pop_back();
-  ScriptValue list = ScriptValue::list(closeValues(frame.firstValue));
+  ScriptValue list = first == 0 ? ScriptValue::list(std::exchange(values_, {}))  // all there is
+                                : ScriptValue::listTaking(std::span(values_).subspan(first));
+  values_.resize(first);
   values_.push_back(std::move(list));
   lastNumber_.reset();
 }
@@ -212,81 +202,106 @@ void TypedJsonBuilder::endArray() {
 void TypedJsonBuilder::endObject() {
   const Frame frame = std::move(frames_.back());
   frames_.pop_back();
-  const auto labels = std::span(labels_).subspan(frame.firstLabel);
-  const auto values = std::span(values_).subspan(frame.firstValue);
-  const bool isUnderLabel = frame.firstLabel > 0 && labels_[frame.firstLabel - 1].view() == kRecord;
-  const auto isSpecial = [](const Text& label) { return label.view().starts_with(u'$'); };
-  if (isUnderLabel || !frame.problem.empty() || std::ranges::any_of(labels, isSpecial)) {
-    return closeObject(frame);
-  }
-  ScriptValue record = recordFrom(labels, values);
-  labels_.resize(frame.firstLabel);
+  const bool isUnderFormLabel = !frames_.empty() && frames_.back().hasFormLabel;
+  const Keys* const labels =
+      frame.hasFormLabel || isUnderFormLabel ? nullptr : userLabelsOf(frame);
+  if (labels == nullptr) return closeObject(frame);
+  ScriptValue record = ScriptValue::labelledRecord("reco"_code, *labels,
+                                                   std::span(values_).subspan(frame.firstValue));
+  labels_.cut(frame.firstLabel);
   values_.resize(frame.firstValue);
   values_.push_back(std::move(record));
   lastNumber_.reset();
 }
 
-ScriptValue TypedJsonBuilder::recordFrom(std::span<Text> labels, std::span<ScriptValue> values) {
-  FourCharCode type = "reco"_code;
-  fields_.clear();
-  userFields_.clear();
-  std::optional<std::size_t> userFieldsAt;  // they stand where the first of them stood
-  for (std::size_t i = 0; i < labels.size(); ++i) {
-    const std::u16string_view label = labels[i].view();
-    if (i == 0 && label == kClassKey && isClass(values[i])) {
-      type = *values[i].namedCode();
-    } else if (const auto keyword = foundation::keywordFromKey(label)) {
-      fields_.push_back({*keyword, std::move(values[i])});
-    } else {
-      if (!userFieldsAt) userFieldsAt = fields_.size();
-      userFields_.push_back(ScriptValue::text(std::move(labels[i])));
-      userFields_.push_back(std::move(values[i]));
-    }
+// The labels of an object, if all are those of user fields and none is there twice.
+const Keys* TypedJsonBuilder::userLabelsOf(const Frame& frame) {
+  const std::size_t count = labels_.count() - frame.firstLabel;
+  KnownKeys& known = knownKeys_[frame.labelHash % knownKeys_.size()];
+  const auto isLabelAt = [&](std::size_t i) {
+    return haveSameUnits(known.keys[i].text(), labels_[frame.firstLabel + i]);
+  };
+  const auto positions = std::views::iota(std::size_t{0}, count);
+  if (known.hash == frame.labelHash && known.keys.count() == count &&
+      std::ranges::all_of(positions, isLabelAt)) {
+    return &known.keys;
   }
-  if (userFieldsAt) {
-    fields_.insert(fields_.begin() + static_cast<std::ptrdiff_t>(*userFieldsAt),
-                   {"usrf"_code, ScriptValue::listTaking(userFields_)});
+  Keys keys;
+  for (std::size_t i = frame.firstLabel; i < labels_.count(); ++i) {
+    if (foundation::keywordFromKey(labels_[i])) return nullptr;
+    Value label(labels_[i]);
+    if (keys.position(label) != Keys::kNone) return nullptr;
+    keys.append(std::move(label));
   }
-  return ScriptValue::recordTaking(type, fields_);
+  known = {frame.labelHash, std::move(keys)};
+  return &known.keys;
 }
 
-// An object that is one of the special forms, or stands under the label of one.
-void TypedJsonBuilder::closeObject(const Frame& frame) {
-  const auto first = labels_.begin() + static_cast<std::ptrdiff_t>(frame.firstLabel);
-  std::vector<Text> labels(std::make_move_iterator(first), std::make_move_iterator(labels_.end()));
-  labels_.resize(frame.firstLabel);
-  std::vector<ScriptValue> values = closeValues(frame.firstValue);
-
-  Reading form = readAsForm(frame, labels, values);
-  const bool isForm = form.value || !form.problem.empty();
-  Reading plain{std::nullopt, frame.problem};
-  if ((!isForm || isUnderRecordLabel()) && plain.problem.empty()) {
-    plain.value = recordFrom(labels, values);
+// A record that may have other fields than user fields.
+ScriptValue TypedJsonBuilder::recordFrom(Labels labels, std::span<ScriptValue> values) {
+  FourCharCode type = "reco"_code;
+  std::vector<ScriptField> fields;
+  std::vector<ScriptValue> userFields;
+  std::size_t userFieldsAt = 0;  // they stand where the first of them stood
+  for (std::size_t i = 0; i < labels.size(); ++i) {
+    if (i == 0 && labels[i] == kClassKey && isClass(values[i])) {
+      type = *values[i].namedCode();
+    } else if (const auto keyword = foundation::keywordFromKey(labels[i])) {
+      fields.push_back({*keyword, std::move(values[i])});
+    } else {
+      if (userFields.empty()) userFieldsAt = fields.size();
+      userFields.push_back(ScriptValue::text(Text(labels[i])));
+      userFields.push_back(std::move(values[i]));
+    }
   }
+  if (!userFields.empty()) {
+    fields.insert(fields.begin() + static_cast<std::ptrdiff_t>(userFieldsAt),
+                  {"usrf"_code, ScriptValue::list(std::move(userFields))});
+  }
+  return ScriptValue::record(type, std::move(fields));
+}
+
+// An object that has other labels than those of user fields, or stands under one that has.
+void TypedJsonBuilder::closeObject(const Frame& frame) {
+  std::vector<std::u16string_view> labels;
+  for (std::size_t i = frame.firstLabel; i < labels_.count(); ++i) labels.push_back(labels_[i]);
+  const auto values = std::span(values_).subspan(frame.firstValue);
+
+  const Reading form = readAsForm(frame, labels, values);
+  const bool isForm = form.value || !form.problem.empty();
+  const bool isFirst = isUnderRecordLabel(frame);
+  Reading plain{std::nullopt, frame.first ? frame.first->problem : ""};
+  if ((!isForm || isFirst) && plain.problem.empty()) plain.value = recordFrom(labels, values);
   const Reading& reading = isForm ? form : plain;
-  lastNumber_.reset();
+  labels_.cut(frame.firstLabel);
+  values_.resize(frame.firstValue);
   values_.push_back(reading.value.value_or(ScriptValue()));
-  if (isUnderRecordLabel()) {
-    frames_.back().problem = reading.problem;
-    frames_.back().plainFirst = std::move(plain);
+  lastNumber_.reset();
+  if (isFirst) {
+    std::string problem = reading.problem;
+    frames_.back().first =
+        std::make_unique<FirstMember>(FirstMember{std::move(plain), std::move(problem)});
   } else if (!reading.problem.empty()) {
     refuse(reading.problem);
   }
 }
 
-bool TypedJsonBuilder::isUnderRecordLabel() const {
+// Whether an object that was closed is the first member of another one, and that
+// may be the form that holds a plain record.
+bool TypedJsonBuilder::isUnderRecordLabel(const Frame& frame) const {
   return !frames_.empty() && frames_.back().isObject &&
-         labels_.size() == frames_.back().firstLabel + 1 && labels_.back().view() == kRecord;
+         frame.firstLabel == frames_.back().firstLabel + 1 &&
+         labels_[frame.firstLabel - 1] == kRecord;
 }
 
 ScriptValue TypedJsonBuilder::take() { return std::exchange(values_, {}).front(); }
 
 // As one of the special forms; neither value nor problem when it has none of their shapes.
 TypedJsonBuilder::Reading TypedJsonBuilder::readAsForm(const Frame& frame,
-                                                       std::span<const Text> labels,
-                                                       std::span<const ScriptValue> values) const {
-  if (labels.size() == 1 && labels.front().view() == kRecord) {
-    return frame.plainFirst.value_or(Reading{std::nullopt, "“$record” needs an object"});
+                                                       Labels labels, Values values) const {
+  if (labels.size() == 1 && labels.front() == kRecord) {
+    if (!frame.first) return {std::nullopt, "“$record” needs an object"};
+    return frame.first->asPlainRecord;
   }
   try {
     return {specialForm(labels, values), {}};
@@ -295,18 +310,17 @@ TypedJsonBuilder::Reading TypedJsonBuilder::readAsForm(const Frame& frame,
   }
 }
 
-std::optional<ScriptValue> TypedJsonBuilder::specialForm(
-    std::span<const Text> labels, std::span<const ScriptValue> values) const {
-  if (labels.size() == 1 && labels.front().view().starts_with(u'$')) {
-    return singleForm(labels.front().view(), values.front());
+std::optional<ScriptValue> TypedJsonBuilder::specialForm(Labels labels, Values values) const {
+  if (labels.size() == 1 && labels.front().starts_with(u'$')) {
+    return singleForm(labels.front(), values.front());
   }
   if (labels.size() != 2) return std::nullopt;
   for (const std::size_t main : {0U, 1U}) {
-    const std::u16string_view companion = labels[1 - main].view();
-    if (labels[main].view() == u"$number" && companion == u"as") {
+    const std::u16string_view companion = labels[1 - main];
+    if (labels[main] == u"$number" && companion == u"as") {
       return numberForm(values[main], values[1 - main]);
     }
-    if (labels[main].view() == u"$raw" && companion == u"data") {
+    if (labels[main] == u"$raw" && companion == u"data") {
       return rawForm(values[main], values[1 - main]);
     }
   }

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <span>
 #include <stdexcept>
@@ -12,9 +13,9 @@
 #include <string_view>
 #include <vector>
 
+#include "values/keys.h"
 #include "values/number.h"
 #include "values/script_value.h"
-#include "values/text.h"
 
 namespace skerrow::scripting {
 
@@ -56,34 +57,71 @@ class TypedJsonBuilder {
     std::optional<ScriptValue> value;
     std::string problem;  // why it cannot be read so
   };
+  // An object that is the first member of another, under "$record".
+  struct FirstMember {
+    Reading asPlainRecord;
+    std::string problem;  // of it unless it is read as a plain record
+  };
   struct Frame {
     bool isObject;
+    bool hasFormLabel;  // one that begins like those of the special forms
     std::size_t firstValue;
     std::size_t firstLabel;
-    std::optional<Reading> plainFirst = {};  // the first member's object as a plain record
-    std::string problem = {};                // of a member, unless it is read as a plain record
+    std::size_t labelHash;                          // of all labels so far
+    std::unique_ptr<FirstMember> first = {};  // if it may be the form that holds a record
+  };
+  using Labels = std::span<const std::u16string_view>;
+  using Values = std::span<const ScriptValue>;
+
+  // The labels of the objects that are open, innermost last, in one run of units.
+  class LabelStack {
+   public:
+    void push(std::u16string_view label) {
+      units_ += label;
+      ends_.push_back(units_.size());
+    }
+    [[nodiscard]] std::size_t count() const noexcept { return ends_.size(); }
+    /// Valid until the next change.
+    [[nodiscard]] std::u16string_view operator[](std::size_t i) const noexcept {
+      return std::u16string_view(units_).substr(startOf(i), ends_[i] - startOf(i));
+    }
+    /// Drops all but so many.
+    void cut(std::size_t count) noexcept {
+      units_.resize(startOf(count));
+      ends_.resize(count);
+    }
+
+   private:
+    [[nodiscard]] std::size_t startOf(std::size_t i) const noexcept {
+      return i == 0 ? 0 : ends_[i - 1];
+    }
+
+    std::u16string units_;
+    std::vector<std::size_t> ends_;
+  };
+
+  // Labels that an object had, and their hash.
+  struct KnownKeys {
+    std::size_t hash = 0;
+    Keys keys = {};
   };
 
   void open(bool isObject);
-  [[nodiscard]] std::vector<ScriptValue> closeValues(std::size_t first);
+  [[nodiscard]] const Keys* userLabelsOf(const Frame& frame);
   void closeObject(const Frame& frame);
-  // Takes the labels and values over.
-  [[nodiscard]] ScriptValue recordFrom(std::span<Text> labels, std::span<ScriptValue> values);
-  [[nodiscard]] bool isUnderRecordLabel() const;
-  [[nodiscard]] Reading readAsForm(const Frame& frame, std::span<const Text> labels,
-                                   std::span<const ScriptValue> values) const;
-  [[nodiscard]] std::optional<ScriptValue> specialForm(std::span<const Text> labels,
-                                                       std::span<const ScriptValue> values) const;
+  // Takes the values from where they lie.
+  [[nodiscard]] static ScriptValue recordFrom(Labels labels, std::span<ScriptValue> values);
+  [[nodiscard]] bool isUnderRecordLabel(const Frame& frame) const;
+  [[nodiscard]] Reading readAsForm(const Frame& frame, Labels labels, Values values) const;
+  [[nodiscard]] std::optional<ScriptValue> specialForm(Labels labels, Values values) const;
   [[nodiscard]] ScriptValue singleForm(std::u16string_view label, const ScriptValue& value) const;
   [[nodiscard]] ScriptValue numberForm(const ScriptValue& value, const ScriptValue& type) const;
 
   const CompileSource* compileSource_;
   std::vector<Frame> frames_;
   std::vector<ScriptValue> values_;  // of all open arrays and objects, innermost last
-  std::vector<Text> labels_;         // of all open objects, innermost last
-  std::vector<ScriptField> fields_;  // room for those of the record that is being made
-  std::vector<ScriptValue> userFields_;
-  std::array<Text, 64> knownLabels_;  // most objects have labels that others had before
+  LabelStack labels_;
+  std::array<KnownKeys, 64> knownKeys_;  // most objects have the labels of others before
   std::optional<Number> lastNumber_;  // as it was read, if nothing was closed since
 };
 

@@ -13,6 +13,16 @@
 #include "scripting/json_encodings.h"
 #include "values/depth.h"
 
+// Most often there is none, and that is seen at once.
+template <>
+inline void rapidjson::SkipWhitespace(skerrow::scripting::JsonSource& source) {
+  for (;;) {
+    const char next = source.Peek();
+    if (next > ' ' || (next != ' ' && next != '\n' && next != '\r' && next != '\t')) return;
+    source.skip(1);
+  }
+}
+
 namespace skerrow::scripting {
 
 namespace {
@@ -55,7 +65,7 @@ class Receiver {
     return leaf([&] { builder_.addText({units, count}); });
   }
   bool StartArray() {
-    lastToken_ = source_.Tell() + 1;  // the bracket is taken after this
+    lastToken_ = source_.Tell();
     requireValuePlace();
     builder_.beginArray();
     return true;
@@ -65,7 +75,7 @@ class Receiver {
     return finishValue();
   }
   bool StartObject() {
-    lastToken_ = source_.Tell() + 1;
+    lastToken_ = source_.Tell();
     if (!builder_.isInside()) {
       if (place_ == Place::outside)
         return enter(form_ == Form::event ? Place::event : Place::arguments);
@@ -238,9 +248,9 @@ std::string problemFrom(rapidjson::ParseErrorCode code, bool isControlCharacter)
 }
 
 void read(JsonSource& source, Receiver& receiver) {
-  constexpr unsigned kFlags = rapidjson::kParseIterativeFlag |
-                              rapidjson::kParseValidateEncodingFlag |
-                              rapidjson::kParseFullPrecisionFlag;
+  // Reading recurses, as deep as values go.
+  constexpr unsigned kFlags =
+      rapidjson::kParseValidateEncodingFlag | rapidjson::kParseFullPrecisionFlag;
   rapidjson::GenericReader<JsonUtf8, JsonUtf16> reader;
   try {
     const rapidjson::ParseResult result = reader.Parse<kFlags>(source, receiver);

@@ -20,6 +20,8 @@
 #include "foundation/url.h"
 #include "scripting/json_encodings.h"
 #include "values/fetching.h"
+#include "values/keys.h"
+#include "values/value.h"
 
 namespace skerrow::scripting {
 
@@ -62,24 +64,43 @@ std::optional<std::span<const ScriptValue>> plainUserFields(const ScriptField& f
   return items;
 }
 
-// Whether the object of a plain record would be taken for one of the special forms.
-bool looksSpecial(const ScriptValue& record) {
-  if (record.type() != "reco"_code) return false;
-  std::vector<std::u16string> labels;
-  for (const ScriptField& field : record.fields()) {
-    const auto items = plainUserFields(field);
-    if (!items) return false;  // a keyword is a label of its own, and in none of the forms
-    if (labels.size() + items->size() / 2 > 2) return false;
-    for (std::size_t i = 0; i < items->size(); i += 2) {
-      labels.emplace_back(core::textFromScriptValue((*items)[i])->view());
-    }
-  }
+// Whether none of the labels would be taken for a keyword.
+bool areUserLabels(const Keys& labels) {
+  return std::ranges::none_of(labels.all(), [](const Value& label) {
+    return foundation::keywordFromKey(label.text()).has_value();
+  });
+}
+
+// Whether an object that has just these labels would be taken for one of the special forms.
+bool lookSpecial(std::span<const std::u16string_view> labels) {
   if (labels.size() == 1) return labels[0].starts_with(u'$');
   const auto isPair = [&labels](std::u16string_view main, std::u16string_view companion) {
     return (labels[0] == main && labels[1] == companion) ||
            (labels[0] == companion && labels[1] == main);
   };
   return labels.size() == 2 && (isPair(u"$number", u"as") || isPair(u"$raw", u"data"));
+}
+
+bool looksSpecial(const Keys& labels) {
+  if (labels.count() > 2) return false;
+  std::array<std::u16string_view, 2> views;
+  for (std::size_t i = 0; i < labels.count(); ++i) views[i] = labels[i].text();
+  return lookSpecial(std::span(views).first(labels.count()));
+}
+
+bool looksSpecial(std::span<const ScriptField> fields) {
+  std::vector<Text> labels;
+  for (const ScriptField& field : fields) {
+    const auto items = plainUserFields(field);
+    if (!items) return false;  // a keyword is a label of its own, and in none of the forms
+    if (labels.size() + items->size() / 2 > 2) return false;
+    for (std::size_t i = 0; i < items->size(); i += 2) {
+      labels.push_back(*core::textFromScriptValue((*items)[i]));
+    }
+  }
+  std::vector<std::u16string_view> views;
+  for (const Text& label : labels) views.push_back(label.view());
+  return lookSpecial(views);
 }
 
 class ValueWriter {
@@ -196,14 +217,38 @@ class ValueWriter {
   }
 
   void writeRecord(const ScriptValue& record) {
-    const bool isWrapped = looksSpecial(record);
+    const Keys* const labels = record.labels();
+    if (labels == nullptr || !areUserLabels(*labels)) return writeFields(record, record.fields());
+    const bool isWrapped = begin(record, [labels] { return looksSpecial(*labels); });
+    for (std::size_t i = 0; i < labels->count(); ++i) {
+      key((*labels)[i].text());
+      write(record.labelledValues()[i]);
+    }
+    end(isWrapped);
+  }
+
+  void writeFields(const ScriptValue& record, const std::vector<ScriptField>& fields) {
+    const bool isWrapped = begin(record, [&fields] { return looksSpecial(fields); });
+    for (const ScriptField& field : fields) writeField(field);
+    end(isWrapped);
+  }
+
+  // Begins the object of a record, inside of another one where a plain record would be
+  // taken for a special form.
+  template <class LooksSpecial>
+  bool begin(const ScriptValue& record, LooksSpecial&& looksSpecial) {
+    const bool isPlain = record.type() == "reco"_code;
+    const bool isWrapped = isPlain && looksSpecial();
     if (isWrapped) {
       writer_.StartObject();
       key(u"$record");
     }
     writer_.StartObject();
-    if (record.type() != "reco"_code) writeClass(record.type());
-    for (const ScriptField& field : record.fields()) writeField(field);
+    if (!isPlain) writeClass(record.type());
+    return isWrapped;
+  }
+
+  void end(bool isWrapped) {
     writer_.EndObject();
     if (isWrapped) writer_.EndObject();
   }

@@ -1,67 +1,38 @@
 #include "values/record.h"
 
 #include <algorithm>
+#include <cassert>
 #include <utility>
-
-#include "values/value_index.h"
 
 namespace skerrow {
 
-namespace {
-
-// Up to here comparing keys one by one beats hashing them.
-constexpr std::size_t kFewFields = 12;
-
-}  // namespace
-
-Record::Record() = default;
-Record::Record(Record&& other) noexcept = default;
-Record::~Record() = default;
-
-Record::Record(const Record& other)
-    : fields_(other.fields_),
-      index_(other.index_ ? std::make_unique<ValueIndex>(*other.index_) : nullptr) {}
-
-Record::Record(std::initializer_list<Field> fields) {
-  for (const Field& field : fields) set(field.key, field.value);
+Record::Record(std::initializer_list<Entry> entries) {
+  for (const Entry& entry : entries) set(entry.key, entry.value);
 }
 
-Record& Record::operator=(Record other) noexcept {
-  fields_.swap(other.fields_);
-  index_.swap(other.index_);
-  return *this;
+Record::Record(Keys keys, std::vector<Value> values) noexcept
+    : keys_(std::move(keys)), values_(std::move(values)) {
+  assert(keys_.count() == values_.size());
 }
 
 void Record::set(Value key, Value value) {
-  if (const std::size_t position = positionOf(key); position != kNone) {
-    fields_[position].value = std::move(value);
+  if (const std::size_t position = keys_.position(key); position != Keys::kNone) {
+    values_[position] = std::move(value);
     return;
   }
-  fields_.push_back({std::move(key), std::move(value)});
-  if (index_) {
-    index_->insert(fields_.back().key, fields_.size() - 1);
-  } else if (fields_.size() > kFewFields) {
-    index_ = std::make_unique<ValueIndex>();
-    for (std::size_t i = 0; i < fields_.size(); ++i) index_->insert(fields_[i].key, i);
-  }
+  values_.push_back(std::move(value));
+  keys_.append(std::move(key));
 }
 
 const Value* Record::find(const Value& key) const {
-  const std::size_t position = positionOf(key);
-  return position == kNone ? nullptr : &fields_[position].value;
-}
-
-std::size_t Record::positionOf(const Value& key) const {
-  if (index_) {
-    return index_->find(key, [this](std::size_t i) -> const Value& { return fields_[i].key; });
-  }
-  const auto found = std::ranges::find(fields_, key, &Field::key);
-  return found == fields_.end() ? kNone : static_cast<std::size_t>(found - fields_.begin());
+  const std::size_t position = keys_.position(key);
+  return position == Keys::kNone ? nullptr : &values_[position];
 }
 
 bool operator==(const Record& a, const Record& b) {
+  if (a.keys_.areShared(b.keys_)) return std::ranges::equal(a.values_, b.values_);
   return a.fieldCount() == b.fieldCount() &&
-         std::ranges::all_of(a.fields_, [&b](const Record::Field& field) {
+         std::ranges::all_of(a.fields(), [&b](const Record::Field& field) {
            const Value* other = b.find(field.key);
            return other != nullptr && *other == field.value;
          });

@@ -1,16 +1,18 @@
 #include "values/script_value.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstring>
 #include <iterator>
 #include <memory>
 #include <new>
-#include <type_traits>
 #include <utility>
 
 #include "values/depth.h"
 #include "values/fetching.h"
+#include "values/keys.h"
 #include "values/shared_count.h"
+#include "values/value.h"
 
 namespace skerrow {
 
@@ -20,74 +22,118 @@ struct ScriptValue::Bytes : SharedCount {
   std::string bytes;
 };
 
-// The items of a list or the fields of a record. A few of them follow the header in
-// the same allocation; where there are many, a vector does.
-template <class Child>
-class ScriptValue::Children : public SharedCount {
+// A few items follow the header in the same allocation; where there are many, a
+// vector does.
+class ScriptValue::Items : public SharedCount {
  public:
-  /// Takes the children over.
-  static const Children* make(std::uint32_t depth, std::span<Child> few) {
+  /// Takes the items over.
+  static const Items* make(std::uint32_t depth, std::span<ScriptValue> few) {
     auto* block = allocate(depth, static_cast<std::uint32_t>(few.size()), few.size_bytes());
     std::ranges::uninitialized_move(few, std::span(block->few(), few.size()));
     return block;
   }
-  static const Children* make(std::uint32_t depth, std::vector<Child> children) {
-    if (children.size() <= kFew) return make(depth, std::span(children));
-    auto* block = allocate(depth, kMany, sizeof(std::vector<Child>));
-    new (block->tail()) std::vector<Child>(std::move(children));
+  static const Items* make(std::uint32_t depth, std::vector<ScriptValue> items) {
+    if (items.size() <= kFew) return make(depth, std::span(items));
+    auto* block = allocate(depth, kMany, sizeof(std::vector<ScriptValue>));
+    new (block->tail()) std::vector<ScriptValue>(std::move(items));
     return block;
   }
   static constexpr std::size_t kFew = 16;
 
-  Children(const Children&) = delete;
-  Children& operator=(const Children&) = delete;
+  Items(const Items&) = delete;
+  Items& operator=(const Items&) = delete;
 
   [[nodiscard]] std::uint32_t depth() const noexcept { return depth_; }
-  [[nodiscard]] std::span<const Child> all() const noexcept {
-    return const_cast<Children*>(this)->all();
+  [[nodiscard]] std::span<const ScriptValue> all() const noexcept {
+    return const_cast<Items*>(this)->all();
   }
-  [[nodiscard]] std::span<Child> all() noexcept {
-    return count_ == kMany ? std::span<Child>(many()) : std::span<Child>(few(), count_);
+  [[nodiscard]] std::span<ScriptValue> all() noexcept {
+    return count_ == kMany ? std::span<ScriptValue>(many())
+                           : std::span<ScriptValue>(few(), count_);
   }
-  /// The children, for whoever holds the block alone.
-  [[nodiscard]] std::vector<Child> take() {
+  /// The items, for whoever holds the block alone.
+  [[nodiscard]] std::vector<ScriptValue> take() {
     if (count_ == kMany) return std::move(many());
     return {std::make_move_iterator(few()), std::make_move_iterator(few() + count_)};
   }
 
-  static void destroy(const Children* shared) noexcept {
-    auto* block = const_cast<Children*>(shared);
+  static void destroy(const Items* shared) noexcept {
+    auto* block = const_cast<Items*>(shared);
     if (block->count_ == kMany) {
-      if constexpr (std::is_same_v<Child, ScriptValue>) {
-        forEachFetched(block->many(), [](ScriptValue& item) { item = ScriptValue(); });
-      }
+      forEachFetched(block->many(), [](ScriptValue& item) { item = ScriptValue(); });
       std::destroy_at(&block->many());
     } else {
       std::destroy_n(block->few(), block->count_);
     }
-    block->~Children();
+    block->~Items();
     ::operator delete(block);
   }
 
  private:
   static constexpr std::uint32_t kMany = 0xFFFFFFFF;
 
-  Children(std::uint32_t depth, std::uint32_t count) noexcept : depth_(depth), count_(count) {}
-  ~Children() = default;
+  Items(std::uint32_t depth, std::uint32_t count) noexcept : depth_(depth), count_(count) {}
+  ~Items() = default;
 
-  static Children* allocate(std::uint32_t depth, std::uint32_t count, std::size_t tailBytes) {
-    static_assert(sizeof(Children) % alignof(std::vector<Child>) == 0);
-    return new (::operator new(sizeof(Children) + tailBytes)) Children(depth, count);
+  static Items* allocate(std::uint32_t depth, std::uint32_t count, std::size_t tailBytes) {
+    static_assert(sizeof(Items) % alignof(std::vector<ScriptValue>) == 0);
+    return new (::operator new(sizeof(Items) + tailBytes)) Items(depth, count);
   }
 
   [[nodiscard]] void* tail() noexcept { return this + 1; }
-  [[nodiscard]] Child* few() noexcept { return std::launder(static_cast<Child*>(tail())); }
-  [[nodiscard]] std::vector<Child>& many() noexcept {
-    return *std::launder(static_cast<std::vector<Child>*>(tail()));
+  [[nodiscard]] ScriptValue* few() noexcept {
+    return std::launder(static_cast<ScriptValue*>(tail()));
+  }
+  [[nodiscard]] std::vector<ScriptValue>& many() noexcept {
+    return *std::launder(static_cast<std::vector<ScriptValue>*>(tail()));
   }
 
   std::uint32_t depth_;
   alignas(8) std::uint32_t count_;
+};
+
+struct ScriptValue::Fields : SharedCount {
+  std::uint32_t depth = 0;
+  std::vector<ScriptField> fields;
+};
+
+// The labels of a record of user fields; its values follow in the same allocation.
+class ScriptValue::Labelled : public SharedCount {
+ public:
+  static const Labelled* make(std::uint32_t depth, const Keys& labels,
+                              std::span<ScriptValue> values) {
+    void* const memory = ::operator new(sizeof(Labelled) + values.size_bytes());
+    auto* const block = new (memory) Labelled(depth, labels);
+    std::ranges::uninitialized_move(values, block->values());
+    return block;
+  }
+
+  Labelled(const Labelled&) = delete;
+  Labelled& operator=(const Labelled&) = delete;
+
+  [[nodiscard]] std::uint32_t depth() const noexcept { return depth_; }
+  [[nodiscard]] const Keys& labels() const noexcept { return labels_; }
+  [[nodiscard]] std::span<const ScriptValue> values() const noexcept {
+    return const_cast<Labelled*>(this)->values();
+  }
+  [[nodiscard]] std::span<ScriptValue> values() noexcept {
+    return {std::launder(static_cast<ScriptValue*>(static_cast<void*>(this + 1))),
+            labels_.count()};
+  }
+
+  static void destroy(const Labelled* shared) noexcept {
+    auto* const block = const_cast<Labelled*>(shared);
+    std::ranges::destroy(block->values());
+    block->~Labelled();
+    ::operator delete(block);
+  }
+
+ private:
+  Labelled(std::uint32_t depth, const Keys& labels) noexcept : depth_(depth), labels_(labels) {}
+  ~Labelled() = default;
+
+  std::uint32_t depth_;
+  Keys labels_;
 };
 
 namespace {
@@ -97,10 +143,10 @@ std::uint32_t deeperBy(std::uint32_t levels, std::uint32_t deepest) {
   return deepest + levels;
 }
 
-std::uint32_t depthOver(const std::vector<ScriptValue>& items) {
+std::uint32_t depthOver(std::span<const ScriptValue> values, std::uint32_t levels) {
   std::uint32_t deepest = 0;
-  for (const ScriptValue& item : items) deepest = std::max(deepest, item.depth());
-  return deeperBy(1, deepest);
+  for (const ScriptValue& value : values) deepest = std::max(deepest, value.depth());
+  return deeperBy(levels, deepest);
 }
 
 std::uint32_t depthOver(const std::vector<ScriptField>& fields) {
@@ -119,42 +165,18 @@ bool beginsLikeByteOrderMark(std::u16string_view units) {
 
 }  // namespace
 
-ScriptValue::ScriptValue() noexcept : type_("type"_code), inlineCount_(4) {
-  const auto code = number("msng"_code);
-  std::memcpy(inline_, &code, sizeof code);
-}
+ScriptValue::ScriptValue() noexcept : ScriptValue(typeCode("msng"_code)) {}
 
 ScriptValue::ScriptValue(FourCharCode type, Storage storage, const void* block) noexcept
-    : type_(type), storage_(storage), shared_(block) {}
+    : type_(type), storage_(storage), content_{.shared = block} {}
 
 ScriptValue::ScriptValue(const ScriptValue& other) noexcept
-    : type_(other.type_), storage_(other.storage_), inlineCount_(other.inlineCount_) {
-  std::memcpy(inline_, other.inline_, kInlineBytes);
+    : type_(other.type_),
+      storage_(other.storage_),
+      inlineCount_(other.inlineCount_),
+      content_(other.content_) {
   retain();
 }
-
-ScriptValue::ScriptValue(ScriptValue&& other) noexcept
-    : type_(other.type_), storage_(other.storage_), inlineCount_(other.inlineCount_) {
-  std::memcpy(inline_, other.inline_, kInlineBytes);
-  other.storage_ = Storage::inlineBytes;
-  other.inlineCount_ = 0;
-}
-
-ScriptValue& ScriptValue::operator=(const ScriptValue& other) noexcept {
-  return *this = ScriptValue(other);
-}
-
-ScriptValue& ScriptValue::operator=(ScriptValue&& other) noexcept {
-  if (this == &other) return *this;
-  release();
-  type_ = other.type_;
-  storage_ = std::exchange(other.storage_, Storage::inlineBytes);
-  inlineCount_ = std::exchange(other.inlineCount_, std::uint8_t{0});
-  std::memcpy(inline_, other.inline_, kInlineBytes);
-  return *this;
-}
-
-ScriptValue::~ScriptValue() { release(); }
 
 void ScriptValue::retain() const noexcept {
   switch (storage_) {
@@ -167,10 +189,13 @@ void ScriptValue::retain() const noexcept {
       block<Bytes>()->retain();
       return;
     case Storage::items:
-      block<Children<ScriptValue>>()->retain();
+      block<Items>()->retain();
       return;
     case Storage::fields:
-      block<Children<ScriptField>>()->retain();
+      block<Fields>()->retain();
+      return;
+    case Storage::labelled:
+      block<Labelled>()->retain();
       return;
   }
 }
@@ -186,14 +211,13 @@ void ScriptValue::release() noexcept {
       if (block<Bytes>()->release()) delete block<Bytes>();
       return;
     case Storage::items:
-      if (const auto* items = block<Children<ScriptValue>>(); items->release()) {
-        Children<ScriptValue>::destroy(items);
-      }
+      if (block<Items>()->release()) Items::destroy(block<Items>());
       return;
     case Storage::fields:
-      if (const auto* fields = block<Children<ScriptField>>(); fields->release()) {
-        Children<ScriptField>::destroy(fields);
-      }
+      if (block<Fields>()->release()) delete block<Fields>();
+      return;
+    case Storage::labelled:
+      if (block<Labelled>()->release()) Labelled::destroy(block<Labelled>());
       return;
   }
 }
@@ -203,7 +227,7 @@ ScriptValue ScriptValue::withPayload(FourCharCode type, std::string_view payload
     return {type, Storage::bytes, new Bytes{{}, std::string(payload)}};
   }
   ScriptValue value(type, Storage::inlineBytes, nullptr);
-  if (!payload.empty()) std::memcpy(value.inline_, payload.data(), payload.size());
+  if (!payload.empty()) std::memcpy(value.content_.bytes, payload.data(), payload.size());
   value.inlineCount_ = static_cast<std::uint8_t>(payload.size());
   return value;
 }
@@ -233,50 +257,59 @@ ScriptValue ScriptValue::typeCode(FourCharCode code) { return withPlain("type"_c
 ScriptValue ScriptValue::null() { return withPayload("null"_code, {}); }
 
 ScriptValue ScriptValue::list(std::vector<ScriptValue> items) {
-  const std::uint32_t depth = depthOver(items);
-  return {"list"_code, Storage::items, Children<ScriptValue>::make(depth, std::move(items))};
+  const std::uint32_t depth = depthOver(items, 1);
+  return {"list"_code, Storage::items, Items::make(depth, std::move(items))};
 }
 
-ScriptValue ScriptValue::listTaking(std::vector<ScriptValue>& items) {
-  if (items.size() > Children<ScriptValue>::kFew) return list(std::exchange(items, {}));
-  ScriptValue made{"list"_code, Storage::items,
-                   Children<ScriptValue>::make(depthOver(items), std::span(items))};
-  items.clear();
-  return made;
+ScriptValue ScriptValue::listTaking(std::span<ScriptValue> items) {
+  if (items.size() > Items::kFew) {
+    return list({std::make_move_iterator(items.begin()), std::make_move_iterator(items.end())});
+  }
+  return {"list"_code, Storage::items, Items::make(depthOver(items, 1), items)};
 }
 
 ScriptValue ScriptValue::record(FourCharCode type, std::vector<ScriptField> fields) {
-  const std::uint32_t depth = depthOver(fields);
-  return {type, Storage::fields, Children<ScriptField>::make(depth, std::move(fields))};
+  return {type, Storage::fields, new Fields{{}, depthOver(fields), std::move(fields)}};
 }
 
-ScriptValue ScriptValue::recordTaking(FourCharCode type, std::vector<ScriptField>& fields) {
-  if (fields.size() > Children<ScriptField>::kFew) return record(type, std::exchange(fields, {}));
-  ScriptValue made{type, Storage::fields,
-                   Children<ScriptField>::make(depthOver(fields), std::span(fields))};
-  fields.clear();
-  return made;
+ScriptValue ScriptValue::labelledRecord(FourCharCode type, const Keys& labels,
+                                        std::span<ScriptValue> values) {
+  assert(labels.count() == values.size() && std::ranges::all_of(labels.all(), &Value::isText));
+  return {type, Storage::labelled, Labelled::make(depthOver(values, 2), labels, values)};
 }
 
 std::span<const ScriptValue> ScriptValue::items() const noexcept {
   if (storage_ != Storage::items) return {};
-  return block<Children<ScriptValue>>()->all();
+  return block<Items>()->all();
 }
 
-std::span<const ScriptField> ScriptValue::fields() const noexcept {
-  if (storage_ != Storage::fields) return {};
-  return block<Children<ScriptField>>()->all();
+std::vector<ScriptField> ScriptValue::fields() const {
+  if (storage_ == Storage::fields) return block<Fields>()->fields;
+  if (storage_ != Storage::labelled) return {};
+  const Keys& labels = block<Labelled>()->labels();
+  if (labels.count() == 0) return {};
+  std::vector<ScriptValue> labelsAndValues;
+  labelsAndValues.reserve(2 * labels.count());
+  for (std::size_t i = 0; i < labels.count(); ++i) {
+    labelsAndValues.push_back(text(labels[i].sharedText()));
+    labelsAndValues.push_back(labelledValues()[i]);
+  }
+  return {{"usrf"_code, list(std::move(labelsAndValues))}};
+}
+
+const Keys* ScriptValue::labels() const noexcept {
+  return storage_ == Storage::labelled ? &block<Labelled>()->labels() : nullptr;
+}
+
+std::span<const ScriptValue> ScriptValue::labelledValues() const noexcept {
+  if (storage_ != Storage::labelled) return {};
+  return block<Labelled>()->values();
 }
 
 std::optional<Text> ScriptValue::heldText() const noexcept {
   if (storage_ != Storage::text) return std::nullopt;
   Text::retain(block<TextPayload>());
   return Text(block<TextPayload>());
-}
-
-std::optional<std::u16string_view> ScriptValue::heldUnits() const noexcept {
-  if (storage_ != Storage::text) return std::nullopt;
-  return Text::view(block<TextPayload>());
 }
 
 std::optional<Text> ScriptValue::takeText() && noexcept {
@@ -288,8 +321,8 @@ std::optional<Text> ScriptValue::takeText() && noexcept {
 std::vector<ScriptValue> ScriptValue::takeItems() && {
   std::vector<ScriptValue> taken;
   if (storage_ != Storage::items) return taken;
-  if (block<Children<ScriptValue>>()->isUnique()) {
-    taken = ownBlock<Children<ScriptValue>>()->take();
+  if (block<Items>()->isUnique()) {
+    taken = ownBlock<Items>()->take();
   } else {
     taken.assign(items().begin(), items().end());
   }
@@ -297,26 +330,18 @@ std::vector<ScriptValue> ScriptValue::takeItems() && {
   return taken;
 }
 
-std::span<ScriptValue> ScriptValue::itemsToTake(std::vector<ScriptValue>& room) {
-  if (storage_ == Storage::items && block<Children<ScriptValue>>()->isUnique()) {
-    return ownBlock<Children<ScriptValue>>()->all();
+std::span<ScriptValue> ScriptValue::labelledValuesToTake(std::vector<ScriptValue>& room) {
+  if (storage_ == Storage::labelled && block<Labelled>()->isUnique()) {
+    return ownBlock<Labelled>()->values();
   }
-  room.assign(items().begin(), items().end());
-  return room;
-}
-
-std::span<ScriptField> ScriptValue::fieldsToTake(std::vector<ScriptField>& room) {
-  if (storage_ == Storage::fields && block<Children<ScriptField>>()->isUnique()) {
-    return ownBlock<Children<ScriptField>>()->all();
-  }
-  room.assign(fields().begin(), fields().end());
+  room.assign(labelledValues().begin(), labelledValues().end());
   return room;
 }
 
 std::string_view ScriptValue::payload() const noexcept {
   switch (storage_) {
     case Storage::inlineBytes:
-      return {inline_, inlineCount_};
+      return {content_.bytes, inlineCount_};
     case Storage::bytes:
       return block<Bytes>()->bytes;
     case Storage::text: {
@@ -338,18 +363,26 @@ bool ScriptValue::isMissingValue() const noexcept { return namedCode() == "msng"
 std::uint32_t ScriptValue::depth() const noexcept {
   switch (storage_) {
     case Storage::items:
-      return block<Children<ScriptValue>>()->depth();
+      return block<Items>()->depth();
     case Storage::fields:
-      return block<Children<ScriptField>>()->depth();
+      return block<Fields>()->depth;
+    case Storage::labelled:
+      return block<Labelled>()->depth();
     default:
       return 0;
   }
 }
 
-bool operator==(const ScriptValue& a, const ScriptValue& b) noexcept {
-  return a.type_ == b.type_ && a.hasItems() == b.hasItems() && a.hasFields() == b.hasFields() &&
-         a.payload() == b.payload() && std::ranges::equal(a.items(), b.items()) &&
-         std::ranges::equal(a.fields(), b.fields());
+bool operator==(const ScriptValue& a, const ScriptValue& b) {
+  if (a.type_ != b.type_ || a.hasItems() != b.hasItems() || a.hasFields() != b.hasFields()) {
+    return false;
+  }
+  if (!a.hasFields()) return a.payload() == b.payload() && std::ranges::equal(a.items(), b.items());
+  if (a.labels() != nullptr && b.labels() != nullptr) {
+    return std::ranges::equal(a.labels()->all(), b.labels()->all()) &&
+           std::ranges::equal(a.labelledValues(), b.labelledValues());
+  }
+  return a.fields() == b.fields();
 }
 
 }  // namespace skerrow

@@ -5,6 +5,11 @@
 // bytes are held inline, everything else is one immutable block shared between
 // copies. Safe to copy and read on any thread.
 //
+// A record is a run of fields, each under a keyword; the fields that a script
+// labels freely lie together in a list, label, value, label, value, under the
+// keyword 'usrf'. A record that has no other fields can be made of its labels,
+// which records share, and its values; it is the same to whoever looks at it.
+//
 // Text made here is of type 'utxt' and keeps its units as they are; a 'utxt'
 // made from bytes is kept as bytes and decoded by whoever unpacks it.
 
@@ -13,6 +18,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "values/four_char_code.h"
@@ -20,6 +26,7 @@
 
 namespace skerrow {
 
+class Keys;
 struct ScriptField;
 
 class ScriptValue {
@@ -28,10 +35,25 @@ class ScriptValue {
   ScriptValue() noexcept;
 
   ScriptValue(const ScriptValue& other) noexcept;
-  ScriptValue(ScriptValue&& other) noexcept;
-  ScriptValue& operator=(const ScriptValue& other) noexcept;
-  ScriptValue& operator=(ScriptValue&& other) noexcept;
-  ~ScriptValue();
+  ScriptValue(ScriptValue&& other) noexcept
+      : type_(other.type_),
+        storage_(std::exchange(other.storage_, Storage::inlineBytes)),
+        inlineCount_(std::exchange(other.inlineCount_, std::uint8_t{0})),
+        content_(other.content_) {}
+  ScriptValue& operator=(const ScriptValue& other) noexcept {
+    return *this = ScriptValue(other);
+  }
+  ScriptValue& operator=(ScriptValue&& other) noexcept {
+    ScriptValue taken(std::move(other));
+    std::swap(type_, taken.type_);
+    std::swap(storage_, taken.storage_);
+    std::swap(inlineCount_, taken.inlineCount_);
+    std::swap(content_, taken.content_);
+    return *this;
+  }
+  ~ScriptValue() {
+    if (storage_ != Storage::inlineBytes) release();
+  }
 
   /// A value of any type from the bytes of its payload.
   static ScriptValue withPayload(FourCharCode type, std::string_view payload);
@@ -50,38 +72,47 @@ class ScriptValue {
   static ScriptValue null();
   /// Throws NestingTooDeep.
   static ScriptValue list(std::vector<ScriptValue> items);
-  /// The same; of a few items the vector keeps its room, for the next list.
-  static ScriptValue listTaking(std::vector<ScriptValue>& items);
+  /// The same of items that are taken from where they lie.
+  static ScriptValue listTaking(std::span<ScriptValue> items);
   /// A record of the class `type` ('reco' for a plain one). Throws NestingTooDeep.
   static ScriptValue record(FourCharCode type, std::vector<ScriptField> fields);
-  /// The same, with the fields as listTaking has its items.
-  static ScriptValue recordTaking(FourCharCode type, std::vector<ScriptField>& fields);
+  /// A record of user fields only: labels, which are texts, and as many values, which are
+  /// taken from where they lie. Throws NestingTooDeep.
+  static ScriptValue labelledRecord(FourCharCode type, const Keys& labels,
+                                    std::span<ScriptValue> values);
 
   [[nodiscard]] FourCharCode type() const noexcept { return type_; }
 
   /// Whether this is a list or record that holds its items (one made from bytes does not).
   [[nodiscard]] bool hasItems() const noexcept { return storage_ == Storage::items; }
   /// Whether this is shaped like a record, of whatever class.
-  [[nodiscard]] bool hasFields() const noexcept { return storage_ == Storage::fields; }
+  [[nodiscard]] bool hasFields() const noexcept {
+    return storage_ == Storage::fields || storage_ == Storage::labelled;
+  }
   /// The items of a list; empty for anything else.
   [[nodiscard]] std::span<const ScriptValue> items() const noexcept;
   /// The fields of a record in stored order; empty for anything else.
-  [[nodiscard]] std::span<const ScriptField> fields() const noexcept;
+  [[nodiscard]] std::vector<ScriptField> fields() const;
+  /// The labels of a record that was made of labels and values; null for anything else.
+  [[nodiscard]] const Keys* labels() const noexcept;
+  /// Its values, by the position of their label; empty for anything else.
+  [[nodiscard]] std::span<const ScriptValue> labelledValues() const noexcept;
   /// Whether this was made from a text.
   [[nodiscard]] bool holdsText() const noexcept { return storage_ == Storage::text; }
   /// The text, if this was made from one; nothing for payloads given as bytes.
   [[nodiscard]] std::optional<Text> heldText() const noexcept;
   /// Its units, valid as long as any copy of this value lives.
-  [[nodiscard]] std::optional<std::u16string_view> heldUnits() const noexcept;
+  [[nodiscard]] std::optional<std::u16string_view> heldUnits() const noexcept {
+    if (storage_ != Storage::text) return std::nullopt;
+    return Text::view(block<TextPayload>());
+  }
   /// The same text, handed over.
   [[nodiscard]] std::optional<Text> takeText() && noexcept;
   /// The items of a list, handed over where nobody else has them, else copied.
   [[nodiscard]] std::vector<ScriptValue> takeItems() &&;
-  /// The items of a list to take from, as long as this value lives: its own where
-  /// nobody else has them, else copies of them in `room`.
-  [[nodiscard]] std::span<ScriptValue> itemsToTake(std::vector<ScriptValue>& room);
-  /// The fields of a record likewise.
-  [[nodiscard]] std::span<ScriptField> fieldsToTake(std::vector<ScriptField>& room);
+  /// The values of a record that was made of labels and values, to take from as long
+  /// as this value lives: its own where nobody else has them, else copies in `room`.
+  [[nodiscard]] std::span<ScriptValue> labelledValuesToTake(std::vector<ScriptValue>& room);
   /// The payload's bytes, valid as long as this object; empty for lists and records.
   [[nodiscard]] std::string_view payload() const noexcept;
   /// The payload as a plain number, or nothing when its width is another.
@@ -103,26 +134,31 @@ class ScriptValue {
 
   /// Tells the processor that this value's content is about to be looked at.
   void fetch() const noexcept {
-    if (storage_ != Storage::inlineBytes) __builtin_prefetch(shared_);
+    if (storage_ != Storage::inlineBytes) __builtin_prefetch(content_.shared);
   }
 
   /// Same type and same payload, items or fields, in the same order.
-  friend bool operator==(const ScriptValue& a, const ScriptValue& b) noexcept;
+  friend bool operator==(const ScriptValue& a, const ScriptValue& b);
 
  private:
-  enum class Storage : std::uint8_t { inlineBytes, bytes, text, items, fields };
+  enum class Storage : std::uint8_t { inlineBytes, bytes, text, items, fields, labelled };
   static constexpr std::size_t kInlineBytes = 8;
+  union Content {
+    char bytes[kInlineBytes];
+    const void* shared;
+  };
 
   struct Bytes;
-  template <class Child>
-  class Children;
+  class Items;
+  struct Fields;
+  class Labelled;
 
   ScriptValue(FourCharCode type, Storage storage, const void* block) noexcept;
   void retain() const noexcept;
   void release() noexcept;
   template <class Block>
   [[nodiscard]] const Block* block() const noexcept {
-    return static_cast<const Block*>(shared_);
+    return static_cast<const Block*>(content_.shared);
   }
   // For a block that nobody else has.
   template <class Block>
@@ -133,10 +169,7 @@ class ScriptValue {
   FourCharCode type_;
   Storage storage_ = Storage::inlineBytes;
   std::uint8_t inlineCount_ = 0;
-  union {
-    char inline_[kInlineBytes];
-    const void* shared_;
-  };
+  Content content_;
 };
 
 /// One field of a record at the scripting boundary.

@@ -6,21 +6,7 @@
 #include <new>
 #include <utility>
 
-#include "values/shared_count.h"
-
 namespace skerrow {
-
-// The units follow the header in the same allocation, or, when a string was
-// adopted, the string object itself does.
-struct TextPayload : SharedCount {
-  static constexpr std::uint32_t kAdopted = 0xFFFFFFFF;
-  std::uint32_t count = 0;  // units, or kAdopted
-
-  [[nodiscard]] void* tail() noexcept { return this + 1; }
-  [[nodiscard]] const void* tail() const noexcept { return this + 1; }
-};
-
-static_assert(sizeof(TextPayload) % alignof(std::u16string) == 0);
 
 namespace {
 
@@ -42,10 +28,6 @@ const TextPayload* adopted(std::u16string&& units) {
   payload->count = TextPayload::kAdopted;
   new (payload->tail()) std::u16string(std::move(units));
   return payload;
-}
-
-const std::u16string& adoptedString(const TextPayload* payload) noexcept {
-  return *std::launder(static_cast<const std::u16string*>(payload->tail()));
 }
 
 }  // namespace
@@ -79,34 +61,10 @@ Text::Text(std::u16string_view units)
 Text::Text(std::u16string&& units)
     : payload_(units.size() < kShortestAdopted ? copied(units) : adopted(std::move(units))) {}
 
-Text::Text(const Text& other) noexcept : payload_(other.payload_) { retain(payload_); }
-
-Text& Text::operator=(Text other) noexcept {
-  std::swap(payload_, other.payload_);
-  return *this;
-}
-
-Text::~Text() { release(payload_); }
-
-std::u16string_view Text::view() const noexcept { return view(payload_); }
-
-const TextPayload* Text::releasePayload() && noexcept { return std::exchange(payload_, nullptr); }
-
-void Text::retain(const TextPayload* payload) noexcept {
-  if (payload != nullptr) payload->retain();
-}
-
-void Text::release(const TextPayload* payload) noexcept {
-  if (payload == nullptr || !payload->release()) return;
-  if (payload->count == TextPayload::kAdopted) std::destroy_at(&adoptedString(payload));
+void Text::destroy(const TextPayload* payload) noexcept {
+  if (payload->count == TextPayload::kAdopted) std::destroy_at(&payload->adopted());
   payload->~TextPayload();
   ::operator delete(const_cast<TextPayload*>(payload));
-}
-
-std::u16string_view Text::view(const TextPayload* payload) noexcept {
-  if (payload == nullptr) return {};
-  if (payload->count == TextPayload::kAdopted) return adoptedString(payload);
-  return {static_cast<const char16_t*>(payload->tail()), payload->count};
 }
 
 }  // namespace skerrow

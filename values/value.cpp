@@ -70,10 +70,8 @@ Value::Value(std::vector<Value> items) : kind_(Kind::list) {
 }
 
 Value::Value(Record record) : kind_(Kind::record) {
-  std::uint32_t deepest = 0;
-  for (const Record::Field& field : record.fields()) {
-    deepest = std::max({deepest, field.key.depth(), field.value.depth()});
-  }
+  std::uint32_t deepest = record.keys().depth();
+  for (const Value& value : record.values()) deepest = std::max(deepest, value.depth());
   shared_ = new RecordBlock{{}, deeperBy(2, deepest), std::move(record)};
 }
 
@@ -135,24 +133,6 @@ Value::Value(const Value& other) noexcept
   retain();
 }
 
-Value::Value(Value&& other) noexcept
-    : kind_(std::exchange(other.kind_, Kind::null)),
-      numberKind_(other.numberKind_),
-      signed_(other.signed_) {}
-
-Value& Value::operator=(const Value& other) noexcept { return *this = Value(other); }
-
-Value& Value::operator=(Value&& other) noexcept {
-  if (this == &other) return *this;
-  release();
-  kind_ = std::exchange(other.kind_, Kind::null);
-  numberKind_ = other.numberKind_;
-  signed_ = other.signed_;
-  return *this;
-}
-
-Value::~Value() { release(); }
-
 Number Value::number() const noexcept {
   if (numberKind_ == NumberKind::real) return Number::real(real_);
   if (numberKind_ == NumberKind::unsigned64) return Number::unsigned64(unsigned_);
@@ -160,8 +140,6 @@ Number Value::number() const noexcept {
 }
 
 Date Value::date() const noexcept { return {real_}; }
-
-std::u16string_view Value::text() const noexcept { return Text::view(block<TextPayload>()); }
 
 Text Value::sharedText() const noexcept {
   Text::retain(block<TextPayload>());
@@ -197,6 +175,17 @@ std::vector<Value> Value::takeItems() && {
   }
   *this = Value();
   return items;
+}
+
+Record Value::takeRecord() && {
+  Record record;
+  if (block<RecordBlock>()->isUnique()) {
+    record = std::move(const_cast<RecordBlock*>(block<RecordBlock>())->record);
+  } else {
+    record = block<RecordBlock>()->record;
+  }
+  *this = Value();
+  return record;
 }
 
 std::uint32_t Value::depth() const noexcept {

@@ -13,6 +13,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "values/number.h"
@@ -77,10 +78,21 @@ class Value {
   Value(const void*) = delete;
 
   Value(const Value& other) noexcept;
-  Value(Value&& other) noexcept;
-  Value& operator=(const Value& other) noexcept;
-  Value& operator=(Value&& other) noexcept;
-  ~Value();
+  Value(Value&& other) noexcept
+      : kind_(std::exchange(other.kind_, Kind::null)),
+        numberKind_(other.numberKind_),
+        signed_(other.signed_) {}
+  Value& operator=(const Value& other) noexcept { return *this = Value(other); }
+  Value& operator=(Value&& other) noexcept {
+    Value taken(std::move(other));
+    std::swap(kind_, taken.kind_);
+    std::swap(numberKind_, taken.numberKind_);
+    std::swap(signed_, taken.signed_);
+    return *this;
+  }
+  ~Value() {
+    if (isShared()) release();
+  }
 
   [[nodiscard]] Kind kind() const noexcept { return kind_; }
   [[nodiscard]] bool isNull() const noexcept { return kind_ == Kind::null; }
@@ -94,7 +106,9 @@ class Value {
   // long as any copy of the value lives.
   [[nodiscard]] Number number() const noexcept;
   [[nodiscard]] Date date() const noexcept;
-  [[nodiscard]] std::u16string_view text() const noexcept;
+  [[nodiscard]] std::u16string_view text() const noexcept {
+    return Text::view(static_cast<const TextPayload*>(shared_));
+  }
   [[nodiscard]] Text sharedText() const noexcept;
   [[nodiscard]] const Url& url() const noexcept;
   [[nodiscard]] std::span<const Value> items() const noexcept;
@@ -109,6 +123,8 @@ class Value {
   /// The items of a list to change at will, handed over where nobody else has
   /// them, else copied.
   [[nodiscard]] std::vector<Value> takeItems() &&;
+  /// A record to change at will, likewise.
+  [[nodiscard]] Record takeRecord() &&;
 
   /// 0 for a plain value, 1 more than the deepest item for a list, 2 more for a
   /// record (its fields lie in a list when it crosses the scripting boundary).
@@ -118,7 +134,7 @@ class Value {
   [[nodiscard]] std::size_t hash() const noexcept;
   /// Tells the processor that this value's content is about to be looked at.
   void fetch() const noexcept {
-    if (kind_ >= Kind::text) __builtin_prefetch(shared_);
+    if (isShared()) __builtin_prefetch(shared_);
   }
 
  private:
@@ -131,6 +147,8 @@ class Value {
   [[nodiscard]] const BlockType* block() const noexcept {
     return static_cast<const BlockType*>(shared_);
   }
+  // The plain kinds come first.
+  [[nodiscard]] bool isShared() const noexcept { return kind_ >= Kind::text; }
   void retain() const noexcept;
   void release() noexcept;
   template <class Visitor>

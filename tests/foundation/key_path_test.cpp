@@ -17,7 +17,7 @@ namespace {
 Value integer(std::int64_t number) { return Number::signed64(number); }
 Value real(double number) { return Number::real(number); }
 Value list(std::vector<Value> items) { return Value(std::move(items)); }
-Value record(std::initializer_list<Record::Field> fields) { return Value(Record(fields)); }
+Value record(std::initializer_list<Record::Entry> fields) { return Value(Record(fields)); }
 
 Value item(const char16_t* name, std::int64_t price) {
   return record({{u"name", name}, {u"price", integer(price)}});

@@ -22,7 +22,7 @@ namespace skerrow::foundation {
 inline Value integer(std::int64_t number) { return Number::signed64(number); }
 inline Value real(double number) { return Number::real(number); }
 inline Value list(std::vector<Value> items) { return Value(std::move(items)); }
-inline Value record(std::initializer_list<Record::Field> fields) { return Value(Record(fields)); }
+inline Value record(std::initializer_list<Record::Entry> fields) { return Value(Record(fields)); }
 
 // The item of the tables below, unless a row has its own.
 inline Value person() {

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "tests/support/generators.h"
+#include "values/keys.h"
 
 namespace skerrow::tests {
 
@@ -39,27 +40,29 @@ rc::Gen<std::vector<ScriptValue>> anyScriptValues() {
       0.4, rc::gen::container<std::vector<ScriptValue>>(rc::gen::lazy(anyScriptValue)));
 }
 
-// Labels that are keywords, forms of typed JSON, or anything.
-rc::Gen<ScriptValue> anyLabel() {
+using UserFields = std::vector<std::pair<std::u16string, ScriptValue>>;
+
+// Labels are keywords, forms of typed JSON, or anything.
+rc::Gen<UserFields> anyUserFields() {
   const auto fixed = rc::gen::element<std::u16string>(u"a", u"$date", u"$record", u"$number", u"as",
                                                       u"$raw", u"data", u"«abcd»", u"");
-  return rc::gen::map(rc::gen::oneOf(fixed, arbitraryUnits()), [](std::u16string label) {
-    return ScriptValue::text(Text(std::move(label)));
-  });
+  return rc::gen::scale(
+      0.4, rc::gen::container<UserFields>(rc::gen::pair(rc::gen::oneOf(fixed, arbitraryUnits()),
+                                                        rc::gen::lazy(anyScriptValue))));
 }
 
-rc::Gen<ScriptValue> userFields() {
-  return rc::gen::map(
-      rc::gen::scale(0.4, rc::gen::container<std::vector<std::pair<ScriptValue, ScriptValue>>>(
-                              rc::gen::pair(anyLabel(), rc::gen::lazy(anyScriptValue)))),
-      [](std::vector<std::pair<ScriptValue, ScriptValue>> fields) {
-        std::vector<ScriptValue> items;
-        for (auto& [label, value] : fields) {
-          items.push_back(std::move(label));
-          items.push_back(std::move(value));
-        }
-        return ScriptValue::list(std::move(items));
-      });
+ScriptValue listOf(const UserFields& fields) {
+  std::vector<ScriptValue> labelsAndValues;
+  for (const auto& [label, value] : fields) {
+    labelsAndValues.push_back(ScriptValue::text(Text(label)));
+    labelsAndValues.push_back(value);
+  }
+  return ScriptValue::list(std::move(labelsAndValues));
+}
+
+rc::Gen<FourCharCode> anyClass() {
+  using namespace literals;
+  return rc::gen::element("reco"_code, "reco"_code, "cobj"_code);
 }
 
 rc::Gen<ScriptValue> anyScriptRecord() {
@@ -67,9 +70,8 @@ rc::Gen<ScriptValue> anyScriptRecord() {
   const auto field = rc::gen::pair(anyCode(), rc::gen::lazy(anyScriptValue));
   const auto keywords = rc::gen::scale(
       0.3, rc::gen::container<std::vector<std::pair<FourCharCode, ScriptValue>>>(field));
-  const auto theClass = rc::gen::element("reco"_code, "reco"_code, "cobj"_code);
   static constexpr FourCharCode kUserFields = "usrf"_code;
-  return rc::gen::map(rc::gen::tuple(theClass, keywords, userFields()), [](const auto& parts) {
+  return rc::gen::map(rc::gen::tuple(anyClass(), keywords, anyUserFields()), [](const auto& parts) {
     std::vector<ScriptField> fields;
     bool hasUserFields = false;
     for (const auto& [keyword, value] : std::get<1>(parts)) {
@@ -77,8 +79,21 @@ rc::Gen<ScriptValue> anyScriptRecord() {
       fields.push_back({keyword, value});
     }
     // At most one field of user fields, as scripts send them.
-    if (!hasUserFields) fields.push_back({kUserFields, std::get<2>(parts)});
+    if (!hasUserFields) fields.push_back({kUserFields, listOf(std::get<2>(parts))});
     return ScriptValue::record(std::get<0>(parts), std::move(fields));
+  });
+}
+
+rc::Gen<ScriptValue> anyLabelledRecord() {
+  return rc::gen::map(rc::gen::pair(anyClass(), anyUserFields()), [](const auto& parts) {
+    Keys labels;
+    std::vector<ScriptValue> values;
+    for (const auto& [label, value] : parts.second) {
+      if (labels.position(Value(std::u16string_view(label))) != Keys::kNone) continue;
+      labels.append(Value(std::u16string_view(label)));
+      values.push_back(value);
+    }
+    return ScriptValue::labelledRecord(parts.first, labels, values);
   });
 }
 
@@ -99,7 +114,8 @@ rc::Gen<ScriptValue> anyScriptValue() {
       {1, rc::gen::map(
               anyScriptValues(),
               [](std::vector<ScriptValue> items) { return ScriptValue::list(std::move(items)); })},
-      {2, anyScriptRecord()},
+      {1, anyScriptRecord()},
+      {1, anyLabelledRecord()},
   });
 }
 

@@ -20,6 +20,9 @@ Value inList(Value value) { return std::vector<Value>{std::move(value)}; }
 Value inRecord(Value value) { return Record{{u"a", std::move(value)}}; }
 Value asKey(Value value) { return Record{{std::move(value), u"a"}}; }
 ScriptValue inScriptList(ScriptValue value) { return ScriptValue::list({std::move(value)}); }
+ScriptValue inLabelledRecord(ScriptValue value) {
+  return tests::labelledRecord({{u"a", std::move(value)}});
+}
 ScriptValue inScriptRecord(ScriptValue value) {
   return ScriptValue::record("reco"_code, {{"pnam"_code, std::move(value)}});
 }
@@ -52,6 +55,7 @@ TEST(Depth, TheListOfUserFieldsIsOneOfTheTwoOfARecord) {
   EXPECT_EQ(tests::scriptRecord({ScriptValue(), ScriptValue::list({})}).depth(), 3U);
   EXPECT_EQ(tests::scriptRecord({ScriptValue(), tests::scriptRecord({})}).depth(), 4U);
   EXPECT_EQ(inScriptRecord(ScriptValue::list({})).depth(), 3U);
+  EXPECT_EQ(inLabelledRecord(ScriptValue::list({})).depth(), 3U);
   EXPECT_EQ(ScriptValue::record("reco"_code, {{"usrf"_code, ScriptValue()}}).depth(), 2U);
 }
 
@@ -82,6 +86,11 @@ TEST(Depth, TheDeepestThatMayBeIsMadeAndOneMoreIsRefused) {
   const ScriptValue scriptRecord = nested(ScriptValue(), inScriptRecord, kMaximumDepth / 2);
   EXPECT_EQ(scriptRecord.depth(), kMaximumDepth);
   EXPECT_THROW(inScriptRecord(scriptRecord), NestingTooDeep);
+  EXPECT_THROW(inLabelledRecord(scriptRecord), NestingTooDeep);
+  const ScriptValue labelled = nested(ScriptValue(), inLabelledRecord, kMaximumDepth / 2);
+  EXPECT_EQ(labelled.depth(), kMaximumDepth);
+  EXPECT_EQ(labelled.fields().size(), 1U);
+  EXPECT_THROW(inLabelledRecord(labelled), NestingTooDeep);
 }
 
 TEST(Depth, ARecordThatWouldBeOneTooDeepIsRefusedAsWell) {
@@ -100,6 +109,8 @@ TEST(Depth, TheDeepestValuesCanBeComparedHashedCopiedAndDestroyed) {
   EXPECT_TRUE(record == nested(Value(u"core"), inRecord, kMaximumDepth / 2));
   EXPECT_TRUE(nested(ScriptValue(), inScriptRecord, kMaximumDepth / 2) ==
               nested(ScriptValue(), inScriptRecord, kMaximumDepth / 2));
+  EXPECT_TRUE(nested(ScriptValue(), inLabelledRecord, kMaximumDepth / 2) ==
+              nested(ScriptValue(), inLabelledRecord, kMaximumDepth / 2));
 }
 
 TEST(Depth, TheRefusalNamesTheLimit) {

@@ -55,6 +55,27 @@ TEST(Record, TakesKeysThatAreNoText) {
   EXPECT_EQ(described(Value(record)), "{signed64 1: “the same number”, null: “null”, “1”: “text”}");
 }
 
+TEST(Record, SharesKeysWithOthersUntilItTakesOneOfItsOwn) {
+  const Record first{{u"a", numbered(1)}, {u"b", numbered(2)}};
+  Record second(first.keys(), {numbered(3), numbered(4)});
+  EXPECT_TRUE(second.keys().areShared(first.keys()));
+  EXPECT_EQ(described(Value(second)), "{“a”: signed64 3, “b”: signed64 4}");
+  EXPECT_FALSE(first == second);
+  second.set(u"a", numbered(1));
+  second.set(u"b", numbered(2));
+  EXPECT_TRUE(first == second);
+  second.set(u"c", numbered(5));
+  EXPECT_FALSE(first == second);
+  EXPECT_EQ(described(Value(first)), "{“a”: signed64 1, “b”: signed64 2}");
+  EXPECT_EQ(described(Value(second)), "{“a”: signed64 1, “b”: signed64 2, “c”: signed64 5}");
+}
+
+TEST(Record, HandsItsValuesOver) {
+  Record record{{u"a", numbered(1)}, {u"b", u"two"}};
+  const Value* const place = record.values().data();
+  EXPECT_EQ(std::move(record).takeValues().data(), place);
+}
+
 TEST(Record, AnEmptyOneHasNoFieldsAndFindsNothing) {
   const Record record;
   EXPECT_TRUE(record.isEmpty());

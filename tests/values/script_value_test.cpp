@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
@@ -14,6 +15,8 @@ namespace {
 
 using namespace literals;
 using tests::described;
+using tests::labelledRecord;
+using tests::scriptRecord;
 using tests::scriptText;
 
 TEST(ScriptValue, IsMissingValueUnlessMadeOtherwise) {
@@ -152,41 +155,72 @@ TEST(ScriptValue, KeepsItsItemsHoweverManyThereAre) {
     const std::vector<ScriptValue> items = numbered(count);
     std::vector<ScriptValue> given = items;
     const ScriptValue list = ScriptValue::listTaking(given);
-    EXPECT_TRUE(given.empty());
     EXPECT_TRUE(list == ScriptValue::list(items)) << count;
     EXPECT_EQ(ScriptValue(list).takeItems(), items) << count;
-    std::vector<ScriptField> fields;
-    for (const ScriptValue& item : items) fields.push_back({"abcd"_code, item});
-    std::vector<ScriptField> taken = fields;
-    const ScriptValue record = ScriptValue::recordTaking("reco"_code, taken);
-    EXPECT_TRUE(taken.empty());
-    EXPECT_TRUE(record == ScriptValue::record("reco"_code, fields)) << count;
-    EXPECT_EQ(record.fields().size(), count);
   }
 }
 
-TEST(ScriptValue, GivesItsOwnItemsToTakeFromOnlyWhereNobodyElseHasThem) {
-  for (const std::size_t count : {3U, 40U}) {
-    ScriptValue list = ScriptValue::list(numbered(count));
-    const ScriptValue* const first = list.items().data();
-    std::vector<ScriptValue> room;
-    EXPECT_EQ(list.itemsToTake(room).data(), first);
-    const ScriptValue other = list;
-    EXPECT_NE(list.itemsToTake(room).data(), first);
-    EXPECT_EQ(room.size(), count);
-    room.front() = ScriptValue();
-    EXPECT_EQ(other.items().front(), scriptText(u"item "));
-    ScriptValue record =
-        ScriptValue::record("reco"_code, {{"usrf"_code, ScriptValue::list(numbered(count))}});
-    std::vector<ScriptField> fieldsRoom;
-    EXPECT_EQ(record.fieldsToTake(fieldsRoom).data(), record.fields().data());
-    const ScriptValue otherRecord = record;
-    EXPECT_NE(record.fieldsToTake(fieldsRoom).data(), record.fields().data());
-    EXPECT_EQ(fieldsRoom.size(), 1U);
-    ScriptValue text = scriptText(u"a");
-    EXPECT_TRUE(text.itemsToTake(room).empty());
-    EXPECT_TRUE(text.fieldsToTake(fieldsRoom).empty());
+TEST(ScriptValue, ARecordOfLabelsAndValuesIsTheSameAsOneOfFields) {
+  const ScriptValue a = scriptText(u"a");
+  const ScriptValue one = ScriptValue::integer32(1);
+  const struct {
+    ScriptValue labelled;
+    ScriptValue ofFields;
+  } rows[] = {
+      {labelledRecord({}), ScriptValue::record("reco"_code, {})},
+      {labelledRecord({{u"b", one}}), scriptRecord({scriptText(u"b"), one})},
+      {labelledRecord({{u"", a}, {u"pnam", one}, {u"«pnam»", a}}),
+       scriptRecord({scriptText(u""), a, scriptText(u"pnam"), one, scriptText(u"«pnam»"), a})},
+      {labelledRecord({{u"\uFEFFmark", one}}), scriptRecord({scriptText(u"\uFEFFmark"), one})},
+      {labelledRecord({{u"b", labelledRecord({{u"c", ScriptValue::list({a})}})}}),
+       scriptRecord({scriptText(u"b"), scriptRecord({scriptText(u"c"), ScriptValue::list({a})})})},
+      {labelledRecord({{u"b", one}}, "cobj"_code),
+       ScriptValue::record("cobj"_code,
+                           {{"usrf"_code, ScriptValue::list({scriptText(u"b"), one})}})},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(described(row.ofFields));
+    EXPECT_TRUE(row.labelled.hasFields());
+    EXPECT_FALSE(row.labelled.hasItems());
+    EXPECT_EQ(described(row.labelled), described(row.ofFields));
+    EXPECT_EQ(row.labelled.fields(), row.ofFields.fields());
+    EXPECT_EQ(row.labelled.depth(), row.ofFields.depth());
+    EXPECT_TRUE(row.labelled == row.ofFields);
+    EXPECT_TRUE(row.ofFields == row.labelled);
+    for (const auto& other : rows) {
+      EXPECT_EQ(row.labelled == other.labelled, &row == &other);
+      EXPECT_EQ(row.labelled == other.ofFields, &row == &other);
+    }
+    EXPECT_EQ(row.ofFields.labels(), nullptr);
+    EXPECT_TRUE(row.ofFields.labelledValues().empty());
   }
+}
+
+TEST(ScriptValue, ARecordKeepsItsValuesHoweverManyLabelsItHas) {
+  for (const std::size_t count : {1U, 12U, 13U, 1000U}) {
+    Keys labels;
+    for (std::size_t i = 0; i < count; ++i) labels.append(Value(std::u16string(i, u'x')));
+    const std::vector<ScriptValue> values = numbered(count);
+    std::vector<ScriptValue> given = values;
+    const ScriptValue record = ScriptValue::labelledRecord("reco"_code, labels, given);
+    ASSERT_NE(record.labels(), nullptr);
+    EXPECT_TRUE(record.labels()->areShared(labels));
+    EXPECT_TRUE(std::ranges::equal(record.labelledValues(), values)) << count;
+  }
+}
+
+TEST(ScriptValue, GivesItsOwnValuesToTakeFromOnlyWhereNobodyElseHasThem) {
+  ScriptValue record = labelledRecord({{u"a", scriptText(u"one")}, {u"b", scriptText(u"two")}});
+  const ScriptValue* const first = record.labelledValues().data();
+  std::vector<ScriptValue> room;
+  EXPECT_EQ(record.labelledValuesToTake(room).data(), first);
+  const ScriptValue other = record;
+  EXPECT_NE(record.labelledValuesToTake(room).data(), first);
+  EXPECT_EQ(room.size(), 2U);
+  room.front() = ScriptValue();
+  EXPECT_EQ(other.labelledValues().front(), scriptText(u"one"));
+  ScriptValue text = scriptText(u"a");
+  EXPECT_TRUE(text.labelledValuesToTake(room).empty());
 }
 
 TEST(ScriptValue, OnlyListsHaveItemsToHandOver) {

@@ -1,0 +1,50 @@
+#pragma once
+// Keys: the keys of a record in stored order, each once. All records that have
+// the same keys can share them: a handle is one pointer wide, and a copy costs a
+// count. Looking a key up is linear for a few keys and constant for many. Safe to
+// copy and read on any thread.
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <utility>
+
+#include "values/value.h"
+
+namespace skerrow {
+
+class Keys {
+ public:
+  static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+
+  Keys() noexcept = default;
+  Keys(const Keys& other) noexcept;
+  Keys(Keys&& other) noexcept : block_(std::exchange(other.block_, nullptr)) {}
+  Keys& operator=(Keys other) noexcept {
+    std::swap(block_, other.block_);
+    return *this;
+  }
+  ~Keys();
+
+  /// Adds a key, which must not be here yet. Copies made before keep their own.
+  void append(Value key);
+
+  [[nodiscard]] std::span<const Value> all() const noexcept;
+  [[nodiscard]] std::size_t count() const noexcept { return all().size(); }
+  [[nodiscard]] const Value& operator[](std::size_t position) const noexcept {
+    return all()[position];
+  }
+  /// Where a key stands, or kNone.
+  [[nodiscard]] std::size_t position(const Value& key) const;
+  /// Of the deepest key.
+  [[nodiscard]] std::uint32_t depth() const noexcept;
+  /// Whether both are copies of one.
+  [[nodiscard]] bool areShared(const Keys& other) const noexcept { return block_ == other.block_; }
+
+ private:
+  struct Block;
+
+  const Block* block_ = nullptr;  // none while there are no keys
+};
+
+}  // namespace skerrow
