@@ -220,13 +220,12 @@ std::optional<Url> urlFromScriptValue(const ScriptValue& value) {
 
 std::optional<Value> unpack(const ScriptValue& value) {
   const FourCharCode type = value.type();
+  if (type == "reco"_code) return unpackAERecord(value);
   if (isTextType(type)) return asValue(textFromScriptValue(value));
   if (isNumberType(type)) return asValue(numberFromScriptValue(value));
   switch (number(type)) {
     case number("list"_code):
       return unpackAEList(value);
-    case number("reco"_code):
-      return unpackAERecord(value);
     case number("ldt "_code):
       return unpackDate(value);
     case number("furl"_code):

@@ -90,9 +90,9 @@ class JsonSource {
   std::string buffer_;
   const char* next_ = buffer_.data();  // the next byte, in the buffer
   const char* end_ = next_;            // the end of what may be taken
-  std::size_t prepared_ = 0;  // up to here escapes have been looked at
-  std::size_t filled_ = 0;    // the end of what was read
-  std::size_t offset_ = 0;    // of the buffer's first byte in the whole text
+  std::size_t prepared_ = 0;           // up to here escapes have been looked at
+  std::size_t filled_ = 0;             // the end of what was read
+  std::size_t offset_ = 0;             // of the buffer's first byte in the whole text
   bool isExhausted_ = false;
   bool stopsAtLineEnds_ = false;
   bool isAtLineEnd_ = false;

@@ -63,14 +63,15 @@ FourCharCode codeOf(const ScriptValue& value, std::u16string_view form) {
 
 // An integer takes the smallest of the signed types that holds it.
 ScriptValue plainNumber(Number number) {
-  if (!number.isReal() && Number::signed64(number.asInteger()) == number) {
-    const std::int64_t integer = number.asInteger();
-    if (std::in_range<std::int32_t>(integer)) {
-      return ScriptValue::integer32(static_cast<std::int32_t>(integer));
-    }
-    return ScriptValue::withPlain("comp"_code, integer);
+  const bool isUnsigned = number.kind() == NumberKind::unsigned64;
+  if (number.isReal() || (isUnsigned && !std::in_range<std::int64_t>(number.asUnsigned()))) {
+    return ScriptValue::real(number.asReal());
   }
-  return ScriptValue::real(number.asReal());
+  const std::int64_t integer = number.asInteger();
+  if (std::in_range<std::int32_t>(integer)) {
+    return ScriptValue::integer32(static_cast<std::int32_t>(integer));
+  }
+  return ScriptValue::withPlain("comp"_code, integer);
 }
 
 [[noreturn]] void refuseNumber(FourCharCode type) {
@@ -203,8 +204,7 @@ void TypedJsonBuilder::endObject() {
   const Frame frame = std::move(frames_.back());
   frames_.pop_back();
   const bool isUnderFormLabel = !frames_.empty() && frames_.back().hasFormLabel;
-  const Keys* const labels =
-      frame.hasFormLabel || isUnderFormLabel ? nullptr : userLabelsOf(frame);
+  const Keys* const labels = frame.hasFormLabel || isUnderFormLabel ? nullptr : userLabelsOf(frame);
   if (labels == nullptr) return closeObject(frame);
   ScriptValue record = ScriptValue::labelledRecord("reco"_code, *labels,
                                                    std::span(values_).subspan(frame.firstValue));
@@ -297,8 +297,8 @@ bool TypedJsonBuilder::isUnderRecordLabel(const Frame& frame) const {
 ScriptValue TypedJsonBuilder::take() { return std::exchange(values_, {}).front(); }
 
 // As one of the special forms; neither value nor problem when it has none of their shapes.
-TypedJsonBuilder::Reading TypedJsonBuilder::readAsForm(const Frame& frame,
-                                                       Labels labels, Values values) const {
+TypedJsonBuilder::Reading TypedJsonBuilder::readAsForm(const Frame& frame, Labels labels,
+                                                       Values values) const {
   if (labels.size() == 1 && labels.front() == kRecord) {
     if (!frame.first) return {std::nullopt, "“$record” needs an object"};
     return frame.first->asPlainRecord;

@@ -67,7 +67,7 @@ class TypedJsonBuilder {
     bool hasFormLabel;  // one that begins like those of the special forms
     std::size_t firstValue;
     std::size_t firstLabel;
-    std::size_t labelHash;                          // of all labels so far
+    std::size_t labelHash;                    // of all labels so far
     std::unique_ptr<FirstMember> first = {};  // if it may be the form that holds a record
   };
   using Labels = std::span<const std::u16string_view>;
@@ -122,7 +122,7 @@ class TypedJsonBuilder {
   std::vector<ScriptValue> values_;  // of all open arrays and objects, innermost last
   LabelStack labels_;
   std::array<KnownKeys, 64> knownKeys_;  // most objects have the labels of others before
-  std::optional<Number> lastNumber_;  // as it was read, if nothing was closed since
+  std::optional<Number> lastNumber_;     // as it was read, if nothing was closed since
 };
 
 }  // namespace skerrow::scripting

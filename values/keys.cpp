@@ -1,10 +1,7 @@
 #include "values/keys.h"
 
 #include <algorithm>
-#include <memory>
-#include <vector>
 
-#include "values/shared_count.h"
 #include "values/value_index.h"
 
 namespace skerrow {
@@ -16,38 +13,24 @@ constexpr std::size_t kFewKeys = 12;
 
 }  // namespace
 
-struct Keys::Block : SharedCount {
-  std::uint32_t depth = 0;
-  std::vector<Value> keys;
-  std::unique_ptr<ValueIndex> index;  // only once there are many keys
+Keys::Block::Block() = default;
+Keys::Block::~Block() = default;
 
-  Block() = default;
-  Block(const Block& other)
-      : SharedCount(),
-        depth(other.depth),
-        keys(other.keys),
-        index(other.index ? std::make_unique<ValueIndex>(*other.index) : nullptr) {}
-  Block& operator=(const Block&) = delete;
-  ~Block() = default;
+Keys::Block::Block(const Block& other)
+    : SharedCount(),
+      depth(other.depth),
+      keys(other.keys),
+      index(other.index ? std::make_unique<ValueIndex>(*other.index) : nullptr) {}
 
-  void append(Value key) {
-    depth = std::max(depth, key.depth());
-    keys.push_back(std::move(key));
-    if (index) {
-      index->insert(keys.back(), keys.size() - 1);
-    } else if (keys.size() > kFewKeys) {
-      index = std::make_unique<ValueIndex>();
-      for (std::size_t i = 0; i < keys.size(); ++i) index->insert(keys[i], i);
-    }
+void Keys::Block::append(Value key) {
+  depth = std::max(depth, key.depth());
+  keys.push_back(std::move(key));
+  if (index) {
+    index->insert(keys.back(), keys.size() - 1);
+  } else if (keys.size() > kFewKeys) {
+    index = std::make_unique<ValueIndex>();
+    for (std::size_t i = 0; i < keys.size(); ++i) index->insert(keys[i], i);
   }
-};
-
-Keys::Keys(const Keys& other) noexcept : block_(other.block_) {
-  if (block_ != nullptr) block_->retain();
-}
-
-Keys::~Keys() {
-  if (block_ != nullptr && block_->release()) delete block_;
 }
 
 void Keys::append(Value key) {
@@ -60,13 +43,6 @@ void Keys::append(Value key) {
   }
   const_cast<Block*>(block_)->append(std::move(key));  // nobody else sees it
 }
-
-std::span<const Value> Keys::all() const noexcept {
-  if (block_ == nullptr) return {};
-  return block_->keys;
-}
-
-std::uint32_t Keys::depth() const noexcept { return block_ == nullptr ? 0 : block_->depth; }
 
 std::size_t Keys::position(const Value& key) const {
   if (block_ == nullptr) return kNone;

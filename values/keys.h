@@ -6,30 +6,41 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <utility>
+#include <vector>
 
+#include "values/shared_count.h"
 #include "values/value.h"
 
 namespace skerrow {
+
+class ValueIndex;
 
 class Keys {
  public:
   static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
   Keys() noexcept = default;
-  Keys(const Keys& other) noexcept;
+  Keys(const Keys& other) noexcept : block_(other.block_) {
+    if (block_ != nullptr) block_->retain();
+  }
   Keys(Keys&& other) noexcept : block_(std::exchange(other.block_, nullptr)) {}
   Keys& operator=(Keys other) noexcept {
     std::swap(block_, other.block_);
     return *this;
   }
-  ~Keys();
+  ~Keys() {
+    if (block_ != nullptr && block_->release()) delete block_;
+  }
 
   /// Adds a key, which must not be here yet. Copies made before keep their own.
   void append(Value key);
 
-  [[nodiscard]] std::span<const Value> all() const noexcept;
+  [[nodiscard]] std::span<const Value> all() const noexcept {
+    return block_ == nullptr ? std::span<const Value>() : std::span(block_->keys);
+  }
   [[nodiscard]] std::size_t count() const noexcept { return all().size(); }
   [[nodiscard]] const Value& operator[](std::size_t position) const noexcept {
     return all()[position];
@@ -37,12 +48,24 @@ class Keys {
   /// Where a key stands, or kNone.
   [[nodiscard]] std::size_t position(const Value& key) const;
   /// Of the deepest key.
-  [[nodiscard]] std::uint32_t depth() const noexcept;
+  [[nodiscard]] std::uint32_t depth() const noexcept {
+    return block_ == nullptr ? 0 : block_->depth;
+  }
   /// Whether both are copies of one.
   [[nodiscard]] bool areShared(const Keys& other) const noexcept { return block_ == other.block_; }
 
  private:
-  struct Block;
+  struct Block : SharedCount {
+    Block();
+    Block(const Block& other);
+    Block& operator=(const Block&) = delete;
+    ~Block();
+    void append(Value key);
+
+    std::uint32_t depth = 0;
+    std::vector<Value> keys;
+    std::unique_ptr<ValueIndex> index;  // only once there are many keys
+  };
 
   const Block* block_ = nullptr;  // none while there are no keys
 };

@@ -48,8 +48,7 @@ class ScriptValue::Items : public SharedCount {
     return const_cast<Items*>(this)->all();
   }
   [[nodiscard]] std::span<ScriptValue> all() noexcept {
-    return count_ == kMany ? std::span<ScriptValue>(many())
-                           : std::span<ScriptValue>(few(), count_);
+    return count_ == kMany ? std::span<ScriptValue>(many()) : std::span<ScriptValue>(few(), count_);
   }
   /// The items, for whoever holds the block alone.
   [[nodiscard]] std::vector<ScriptValue> take() {
@@ -117,8 +116,7 @@ class ScriptValue::Labelled : public SharedCount {
     return const_cast<Labelled*>(this)->values();
   }
   [[nodiscard]] std::span<ScriptValue> values() noexcept {
-    return {std::launder(static_cast<ScriptValue*>(static_cast<void*>(this + 1))),
-            labels_.count()};
+    return {std::launder(static_cast<ScriptValue*>(static_cast<void*>(this + 1))), labels_.count()};
   }
 
   static void destroy(const Labelled* shared) noexcept {

@@ -40,9 +40,7 @@ class ScriptValue {
         storage_(std::exchange(other.storage_, Storage::inlineBytes)),
         inlineCount_(std::exchange(other.inlineCount_, std::uint8_t{0})),
         content_(other.content_) {}
-  ScriptValue& operator=(const ScriptValue& other) noexcept {
-    return *this = ScriptValue(other);
-  }
+  ScriptValue& operator=(const ScriptValue& other) noexcept { return *this = ScriptValue(other); }
   ScriptValue& operator=(ScriptValue&& other) noexcept {
     ScriptValue taken(std::move(other));
     std::swap(type_, taken.type_);
