@@ -22,6 +22,7 @@ namespace {
 // Kept: the comparison is strict, so this very number becomes a real.
 constexpr std::int64_t kLongBound = 0x7FFFFFFF;
 
+constexpr FourCharCode kPlainRecord = "reco"_code;
 constexpr std::string_view kErrorObjectLead = "An NSError was generated:";
 
 ScriptValue packInteger32(std::int64_t value) {
@@ -76,15 +77,7 @@ ScriptValue packOrMissing(Value&& value) {
 
 bool isNullValue(const ScriptValue& value) { return value.type() == "null"_code; }
 
-// Whether all keys are labels, so that records with these keys have nothing but user
-// fields.
-bool areLabels(const Keys& keys) {
-  return std::ranges::all_of(keys.all(), [](const Value& key) {
-    return key.isText() && !foundation::keywordFromKey(key.text());
-  });
-}
-
-// A record whose keys are all labels. Values that are not constant are used up.
+// A record that has nothing but user fields. Values that are not constant are used up.
 template <class Item>
 ScriptValue packLabelled(Keys labels, std::span<Item> values) {
   std::vector<ScriptValue> packed;
@@ -97,7 +90,7 @@ ScriptValue packLabelled(Keys labels, std::span<Item> values) {
     }
     std::erase_if(packed, isNullValue);
   }
-  return ScriptValue::labelledRecord("reco"_code, labels, packed);
+  return ScriptValue::labelledRecord(kPlainRecord, labels, packed);
 }
 
 // Builds one record at the scripting boundary, of whatever keys.
@@ -153,7 +146,7 @@ class RecordPacker {
     fields_.push_back({keyword, std::move(value)});
   }
 
-  FourCharCode class_ = "reco"_code;
+  FourCharCode class_ = kPlainRecord;
   std::vector<ScriptField> fields_;
   std::vector<ScriptValue> userFields_;
   bool keysMayRepeat_ = false;
@@ -221,14 +214,15 @@ std::optional<ScriptValue> makeListDescriptorForArrayOfDescriptors(std::span<con
 }
 
 ScriptValue makeDescriptorForDictionary(const Record& record) {
-  if (areLabels(record.keys())) return packLabelled(record.keys(), record.values());
+  if (foundation::areUserLabels(record.keys())) return packLabelled(record.keys(), record.values());
   RecordPacker packer(record.fieldCount());
   for (const Record::Field& field : record.fields()) packer.add(field.key, field.value);
   return std::move(packer).finish();
 }
 
 ScriptValue makeDescriptorForDictionary(Record&& record) {
-  if (!areLabels(record.keys())) return makeDescriptorForDictionary(std::as_const(record));
+  if (!foundation::areUserLabels(record.keys()))
+    return makeDescriptorForDictionary(std::as_const(record));
   const Keys labels = record.keys();
   std::vector<Value> values = std::move(record).takeValues();
   return packLabelled(labels, std::span(values));

@@ -24,6 +24,7 @@ namespace {
 
 constexpr int kUnreadableFile = 1012;
 
+constexpr FourCharCode kInteger32 = "long"_code;
 constexpr FourCharCode kList = "list"_code;
 constexpr FourCharCode kUserFields = "usrf"_code;
 constexpr FourCharCode kTypeName = "type"_code;
@@ -47,7 +48,7 @@ Value heldText(ScriptValue&& item) { return *std::move(item).takeText(); }
 template <class Item>
 Value unpackItem(Item&& item) {
   if (item.holdsText()) return heldText(std::forward<Item>(item));
-  if (item.type() == "long"_code) {
+  if (item.type() == kInteger32) {
     if (const auto integer = item.template plain<std::int32_t>()) {
       return Number::signed32(*integer);
     }

@@ -1,8 +1,10 @@
 #include "foundation/code_text.h"
 
+#include <algorithm>
 #include <cstdint>
 
 #include "foundation/text_encoding.h"
+#include "values/keys.h"
 
 namespace skerrow::foundation {
 
@@ -27,6 +29,11 @@ std::u16string keyFromKeyword(FourCharCode keyword) { return u"«" + textFromCod
 std::optional<FourCharCode> keywordFromKey(std::u16string_view key) {
   if (key.size() != 6 || key.front() != u'«' || key.back() != u'»') return std::nullopt;
   return codeFromText(key.substr(1, 4));
+}
+
+bool areUserLabels(const Keys& keys) {
+  return std::ranges::all_of(
+      keys.all(), [](const Value& key) { return key.isText() && !keywordFromKey(key.text()); });
 }
 
 }  // namespace skerrow::foundation

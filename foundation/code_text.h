@@ -7,7 +7,11 @@
 
 #include "values/four_char_code.h"
 
-namespace skerrow::foundation {
+namespace skerrow {
+
+class Keys;
+
+namespace foundation {
 
 /// Always four characters.
 std::u16string textFromCode(FourCharCode code);
@@ -21,4 +25,10 @@ std::u16string keyFromKeyword(FourCharCode keyword);
 /// The keyword that such a key names; nothing for any other text.
 std::optional<FourCharCode> keywordFromKey(std::u16string_view key);
 
-}  // namespace skerrow::foundation
+/// Whether all keys are texts and none names a keyword: then a record that has them has
+/// nothing but user fields.
+bool areUserLabels(const Keys& keys);
+
+}  // namespace foundation
+
+}  // namespace skerrow

@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <iterator>
 #include <limits>
-#include <ranges>
 #include <utility>
 
 #include "core/unpack.h"
@@ -216,14 +215,8 @@ void TypedJsonBuilder::endObject() {
 
 // The labels of an object, if all are those of user fields and none is there twice.
 const Keys* TypedJsonBuilder::userLabelsOf(const Frame& frame) {
-  const std::size_t count = labels_.count() - frame.firstLabel;
   KnownKeys& known = knownKeys_[frame.labelHash % knownKeys_.size()];
-  const auto isLabelAt = [&](std::size_t i) {
-    return haveSameUnits(known.keys[i].text(), labels_[frame.firstLabel + i]);
-  };
-  const auto positions = std::views::iota(std::size_t{0}, count);
-  if (known.hash == frame.labelHash && known.keys.count() == count &&
-      std::ranges::all_of(positions, isLabelAt)) {
+  if (known.hash == frame.labelHash && labels_.are(known.keys.all(), frame.firstLabel)) {
     return &known.keys;
   }
   Keys keys;

@@ -85,6 +85,14 @@ class TypedJsonBuilder {
     [[nodiscard]] std::u16string_view operator[](std::size_t i) const noexcept {
       return std::u16string_view(units_).substr(startOf(i), ends_[i] - startOf(i));
     }
+    /// Whether those from one on are these texts.
+    [[nodiscard]] bool are(std::span<const Value> texts, std::size_t first) const noexcept {
+      if (count() - first != texts.size()) return false;
+      for (std::size_t i = 0; i < texts.size(); ++i) {
+        if (!haveSameUnits(texts[i].text(), (*this)[first + i])) return false;
+      }
+      return true;
+    }
     /// Drops all but so many.
     void cut(std::size_t count) noexcept {
       units_.resize(startOf(count));

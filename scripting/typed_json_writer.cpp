@@ -50,6 +50,8 @@ class Pieces {
 
 using Writer = rapidjson::Writer<Pieces, JsonUtf16, JsonUtf8>;
 
+constexpr FourCharCode kPlainRecord = "reco"_code;
+
 // A record's user fields, if they are what an object can show: labels that are
 // text and no keyword, each with its value.
 std::optional<std::span<const ScriptValue>> plainUserFields(const ScriptField& field) {
@@ -62,13 +64,6 @@ std::optional<std::span<const ScriptValue>> plainUserFields(const ScriptField& f
     if (!label || foundation::keywordFromKey(label->view())) return std::nullopt;
   }
   return items;
-}
-
-// Whether none of the labels would be taken for a keyword.
-bool areUserLabels(const Keys& labels) {
-  return std::ranges::none_of(labels.all(), [](const Value& label) {
-    return foundation::keywordFromKey(label.text()).has_value();
-  });
 }
 
 // Whether an object that has just these labels would be taken for one of the special forms.
@@ -218,7 +213,9 @@ class ValueWriter {
 
   void writeRecord(const ScriptValue& record) {
     const Keys* const labels = record.labels();
-    if (labels == nullptr || !areUserLabels(*labels)) return writeFields(record, record.fields());
+    if (labels == nullptr || !foundation::areUserLabels(*labels)) {
+      return writeFields(record, record.fields());
+    }
     const bool isWrapped = begin(record, [labels] { return looksSpecial(*labels); });
     for (std::size_t i = 0; i < labels->count(); ++i) {
       key((*labels)[i].text());
@@ -237,7 +234,7 @@ class ValueWriter {
   // taken for a special form.
   template <class LooksSpecial>
   bool begin(const ScriptValue& record, LooksSpecial&& looksSpecial) {
-    const bool isPlain = record.type() == "reco"_code;
+    const bool isPlain = record.type() == kPlainRecord;
     const bool isWrapped = isPlain && looksSpecial();
     if (isWrapped) {
       writer_.StartObject();

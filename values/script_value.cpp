@@ -163,8 +163,6 @@ bool beginsLikeByteOrderMark(std::u16string_view units) {
 
 }  // namespace
 
-ScriptValue::ScriptValue() noexcept : ScriptValue(typeCode("msng"_code)) {}
-
 ScriptValue::ScriptValue(FourCharCode type, Storage storage, const void* block) noexcept
     : type_(type), storage_(storage), content_{.shared = block} {}
 

@@ -32,7 +32,10 @@ struct ScriptField;
 class ScriptValue {
  public:
   /// The "missing value" constant: type 'type' with the payload 'msng'.
-  ScriptValue() noexcept;
+  ScriptValue() noexcept : type_{0x74797065}, inlineCount_(sizeof(FourCharCode)), content_{} {
+    constexpr FourCharCode kMissing{0x6D736E67};
+    __builtin_memcpy(content_.bytes, &kMissing, sizeof kMissing);
+  }
 
   ScriptValue(const ScriptValue& other) noexcept;
   ScriptValue(ScriptValue&& other) noexcept

@@ -37,7 +37,8 @@ static_assert(sizeof(TextPayload) % alignof(std::u16string) == 0);
 
 /// The same as ==, which compares unit by unit for this type of text.
 inline bool haveSameUnits(std::u16string_view a, std::u16string_view b) noexcept {
-  return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t)) == 0;
+  return a.size() == b.size() &&
+         (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t)) == 0);
 }
 
 /// A hash of the units, for tables within this process.
