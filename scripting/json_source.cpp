@@ -8,16 +8,18 @@
 #include <span>
 #include <utility>
 
+#include "foundation/code_points.h"
+
 namespace skerrow::scripting {
+
+using foundation::isLeadingSurrogate;
+using foundation::isTrailingSurrogate;
 
 namespace {
 
 constexpr std::size_t kPiece = 64 * 1024;
 
 constexpr std::size_t kEscape = 6;  // \uXXXX
-
-bool isLeading(unsigned unit) { return (unit & 0xFC00U) == 0xD800; }
-bool isTrailing(unsigned unit) { return (unit & 0xFC00U) == 0xDC00; }
 
 // Characters of UTF-8: all bytes but those that go on with one, eight at a time.
 std::size_t characterCount(std::string_view text) {
@@ -43,13 +45,13 @@ std::size_t startOfLastLine(std::string_view text) {
 }
 
 // The unit that the escape at the front spells; nothing when there is none.
-std::optional<unsigned> escapedUnit(std::string_view text) {
+std::optional<char16_t> escapedUnit(std::string_view text) {
   if (text.size() < kEscape || text[0] != '\\' || text[1] != 'u') return std::nullopt;
   unsigned unit = 0;
   const char* const last = text.data() + kEscape;
   const auto [stop, error] = std::from_chars(text.data() + 2, last, unit, 16);
   if (error != std::errc() || stop != last) return std::nullopt;
-  return unit;
+  return static_cast<char16_t>(unit);
 }
 
 }  // namespace
@@ -173,14 +175,14 @@ void JsonSource::prepare(std::size_t from) {
       at += std::min<std::size_t>(2, rest.size());
       continue;
     }
-    if (isLeading(*unit)) {
+    if (isLeadingSurrogate(*unit)) {
       const auto next = escapedUnit(rest.substr(kEscape));
-      if (next && isTrailing(*next)) {
+      if (next && isTrailingSurrogate(*next)) {
         at += 2 * kEscape;
         continue;
       }
     }
-    if (isLeading(*unit) || isTrailing(*unit)) {
+    if (isLeadingSurrogate(*unit) || isTrailingSurrogate(*unit)) {
       std::memmove(buffer_.data() + at + 1, buffer_.data() + at + 2, 4);
       buffer_[at] = buffer_[at + kEscape - 1] = kSurrogateMark;
     }
