@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <map>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -22,7 +24,6 @@ namespace {
 // Kept: the comparison is strict, so this very number becomes a real.
 constexpr std::int64_t kLongBound = 0x7FFFFFFF;
 
-constexpr FourCharCode kPlainRecord = "reco"_code;
 constexpr std::string_view kErrorObjectLead = "An NSError was generated:";
 
 ScriptValue packInteger32(std::int64_t value) {
@@ -79,18 +80,19 @@ bool isNullValue(const ScriptValue& value) { return value.type() == "null"_code;
 
 // A record that has nothing but user fields. Values that are not constant are used up.
 template <class Item>
-ScriptValue packLabelled(Keys labels, std::span<Item> values) {
+ScriptValue packLabelled(const Keys& labels, std::span<Item> values) {
   std::vector<ScriptValue> packed;
   packed.reserve(values.size());
   for (Item& value : values) packed.push_back(packOrMissing(std::move(value)));
-  if (std::ranges::any_of(packed, isNullValue)) {
-    const Keys all = std::exchange(labels, {});
-    for (std::size_t i = 0; i < packed.size(); ++i) {
-      if (!isNullValue(packed[i])) labels.append(all[i]);
-    }
-    std::erase_if(packed, isNullValue);
+  if (std::ranges::none_of(packed, isNullValue)) {
+    return ScriptValue::labelledRecord(labels, packed);
   }
-  return ScriptValue::labelledRecord(kPlainRecord, labels, packed);
+  Keys kept;
+  for (std::size_t i = 0; i < packed.size(); ++i) {
+    if (!isNullValue(packed[i])) kept.append(labels[i]);
+  }
+  std::erase_if(packed, isNullValue);
+  return ScriptValue::labelledRecord(kept, packed);
 }
 
 // Builds one record at the scripting boundary, of whatever keys.
@@ -103,7 +105,7 @@ class RecordPacker {
     ScriptValue packedKey = packOrMissing(key);
     ScriptValue packed = packOrMissing(value);
     if (const auto code = codeOf(packedKey)) {
-      keysMayRepeat_ = true;
+      expectRepeatedKeywords();
       if (*code == "pcls"_code && packed.namedCode()) {
         class_ = *packed.namedCode();
       } else {
@@ -117,8 +119,8 @@ class RecordPacker {
 
   ScriptValue finish() && {
     if (!userFields_.empty()) {
-      keysMayRepeat_ = true;
-      setKeyword("usrf"_code, ScriptValue::list(std::move(userFields_)));
+      expectRepeatedKeywords();
+      setKeyword(kUserFields, ScriptValue::list(std::move(userFields_)));
     }
     return ScriptValue::record(class_, std::move(fields_));
   }
@@ -134,12 +136,18 @@ class RecordPacker {
     return key.plain<FourCharCode>();
   }
 
+  // Text keys differ from each other, so only other keys can name a keyword again.
+  void expectRepeatedKeywords() {
+    if (places_) return;
+    places_.emplace();
+    for (std::size_t i = 0; i < fields_.size(); ++i) places_->emplace(fields_[i].keyword, i);
+  }
+
   void setKeyword(FourCharCode keyword, ScriptValue value) {
-    // Text keys differ from each other, so only other keys can name a keyword again.
-    if (keysMayRepeat_) {
-      const auto there = std::ranges::find(fields_, keyword, &ScriptField::keyword);
-      if (there != fields_.end()) {
-        there->value = std::move(value);
+    if (places_) {
+      const auto [there, isNew] = places_->emplace(keyword, fields_.size());
+      if (!isNew) {
+        fields_[there->second].value = std::move(value);
         return;
       }
     }
@@ -149,7 +157,7 @@ class RecordPacker {
   FourCharCode class_ = kPlainRecord;
   std::vector<ScriptField> fields_;
   std::vector<ScriptValue> userFields_;
-  bool keysMayRepeat_ = false;
+  std::optional<std::map<FourCharCode, std::size_t>> places_;  // of keywords that may come again
 };
 
 }  // namespace

@@ -26,8 +26,6 @@ constexpr int kUnreadableFile = 1012;
 
 constexpr FourCharCode kInteger32 = "long"_code;
 constexpr FourCharCode kList = "list"_code;
-constexpr FourCharCode kUserFields = "usrf"_code;
-constexpr FourCharCode kTypeName = "type"_code;
 
 // 'itxt': the script code and the language code, two bytes each, then the text.
 constexpr std::size_t kIntlTextHeader = 4;
@@ -75,20 +73,12 @@ std::optional<Value> asValue(std::optional<Held> held) {
   return Value(std::move(*held));
 }
 
-void setUserField(Record& record, Value label, Value value) {
-  if (!value.isRaw()) {
-    record.set(std::move(label), std::move(value));
-  } else if (value.raw().type() != kTypeName) {
-    record.set(std::move(label), unpackItem(value.raw()));
-  }
-}
-
 // The items of a 'usrf' list: label, value, label, value. The last label has no
 // value when the count is odd.
 void setUserFields(Record& record, std::span<const ScriptValue> labelsAndValues) {
   record.reserve(record.fieldCount() + labelsAndValues.size() / 2);
   for (std::size_t i = 0; i + 1 < labelsAndValues.size(); i += 2) {
-    setUserField(record, unpackItem(labelsAndValues[i]), unpackItem(labelsAndValues[i + 1]));
+    record.set(unpackItem(labelsAndValues[i]), unpackItem(labelsAndValues[i + 1]));
   }
 }
 
@@ -111,12 +101,7 @@ Record recordFrom(const Keys& labels, std::span<Item> items) {
   std::vector<Value> values;
   values.reserve(items.size());
   for (Item& item : items) values.push_back(unpackItem(std::move(item)));
-  if (std::ranges::none_of(values, &Value::isRaw)) return {labels, std::move(values)};
-  Record record;
-  for (std::size_t i = 0; i < values.size(); ++i) {
-    setUserField(record, labels[i], std::move(values[i]));
-  }
-  return record;
+  return {labels, std::move(values)};
 }
 
 }  // namespace
@@ -221,7 +206,7 @@ std::optional<Url> urlFromScriptValue(const ScriptValue& value) {
 
 std::optional<Value> unpack(const ScriptValue& value) {
   const FourCharCode type = value.type();
-  if (type == "reco"_code) return unpackAERecord(value);
+  if (type == kPlainRecord) return unpackAERecord(value);
   if (isTextType(type)) return asValue(textFromScriptValue(value));
   if (isNumberType(type)) return asValue(numberFromScriptValue(value));
   switch (number(type)) {
@@ -247,7 +232,7 @@ std::optional<Value> unpack(const ScriptValue& value) {
 std::optional<Value> unpack(ScriptValue&& value) {
   if (value.holdsText()) return heldText(std::move(value));
   if (value.hasItems()) return unpackAEList(std::move(value));
-  if (value.type() == "reco"_code) return unpackAERecord(std::move(value));
+  if (value.type() == kPlainRecord) return unpackAERecord(std::move(value));
   return unpack(std::as_const(value));
 }
 
@@ -279,20 +264,18 @@ Value unpackListShallow(const ScriptValue& list) {
   return eachItem(list.items(), [](const ScriptValue& item) { return Value(item); });
 }
 
-std::optional<Value> unpackAERecord(const ScriptValue& record) {
+Value unpackAERecord(const ScriptValue& record) {
   if (const Keys* labels = record.labels()) return recordFrom(*labels, record.labelledValues());
   return recordFrom(record.fields());
 }
 
-std::optional<Value> unpackAERecord(ScriptValue&& record) {
-  std::vector<ScriptValue> room;
-  if (const Keys* labels = record.labels()) {
-    return recordFrom(*labels, record.labelledValuesToTake(room));
-  }
-  return recordFrom(record.fields());
+Value unpackAERecord(ScriptValue&& record) {
+  const std::span<ScriptValue> own = record.ownLabelledValues();
+  if (own.empty()) return unpackAERecord(std::as_const(record));
+  return recordFrom(*record.labels(), own);
 }
 
-std::optional<Value> unpackUnknown(const ScriptValue& value) {
+Value unpackUnknown(const ScriptValue& value) {
   if (!value.hasFields()) return Value(value);
   std::vector<ScriptField> fields = value.fields();
   const auto theClass = std::ranges::find(fields, "pcls"_code, &ScriptField::keyword);
@@ -301,7 +284,7 @@ std::optional<Value> unpackUnknown(const ScriptValue& value) {
   } else {
     fields.push_back({"pcls"_code, ScriptValue::typeCode(value.type())});
   }
-  return unpackAERecord(ScriptValue::record("reco"_code, std::move(fields)));
+  return recordFrom(fields);
 }
 
 Value unpackTextOrList(const ScriptValue& value) {

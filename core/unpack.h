@@ -36,15 +36,16 @@ Value unpackArrayOfAEDescs(const Value& listOfRaw);
 Value unpackListShallow(const ScriptValue& list);
 
 /// A record: user fields under their labels, a keyword under its code between «
-/// and ». A class constant («type») among raw field values is left out, a label
-/// without a value is dropped, and a later field replaces one of the same key.
-std::optional<Value> unpackAERecord(const ScriptValue& record);
-/// The same, taking over what nobody else holds.
-std::optional<Value> unpackAERecord(ScriptValue&& record);
+/// and ». A label without a value is dropped, and a later field replaces one of the
+/// same key.
+Value unpackAERecord(const ScriptValue& record);
+/// The same; texts among the values of a record that shares its labels are handed over
+/// where nobody else has them.
+Value unpackAERecord(ScriptValue&& record);
 
 /// A record of a class of its own becomes a record whose key «pcls» holds null;
 /// anything else stays raw.
-std::optional<Value> unpackUnknown(const ScriptValue& value);
+Value unpackUnknown(const ScriptValue& value);
 
 /// Text becomes text, a list goes through `unpackAEListJustText`, anything else stays raw.
 Value unpackTextOrList(const ScriptValue& value);

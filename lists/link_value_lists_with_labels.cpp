@@ -36,11 +36,11 @@ class SKWLinkValueListsWithLabels final : public core::Command {
     std::vector<Value> records = core::unpackAEList(*takeDirectParameter()).takeItems();
     for (Value& item : records) {
       if (!item.isList()) throw core::ScriptError(kNotAList);
-      const auto values = item.items();
+      std::vector<Value> values = std::move(item).takeItems();
       if (values.size() != labels.size()) throw core::ScriptError(kCountsDiffer);
-      std::vector<Value> inOrder(keys.count());
-      for (std::size_t i = 0; i < places.size(); ++i) inOrder[places[i]] = values[i];
-      item = Record(keys, std::move(inOrder));
+      for (std::size_t i = 0; i < places.size(); ++i) values[places[i]] = std::move(values[i]);
+      values.resize(keys.count());
+      item = Record(keys, std::move(values));
     }
     return records;
   }

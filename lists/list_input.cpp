@@ -20,7 +20,7 @@ const Value& required(const core::Arguments& arguments, std::string_view key,
 
 std::optional<Record> asRecord(const ScriptValue& value) {
   auto unpacked = value.hasFields() ? core::unpack(value) : std::nullopt;
-  if (!unpacked) return std::nullopt;
+  if (!unpacked || !unpacked->isRecord()) return std::nullopt;
   return std::move(*unpacked).takeRecord();
 }
 

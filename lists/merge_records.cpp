@@ -14,8 +14,8 @@
 #include "core/script_error.h"
 #include "core/unpack.h"
 #include "lists/list_input.h"
+#include "values/keys.h"
 #include "values/record.h"
-#include "values/value_index.h"
 
 namespace skerrow::lists {
 
@@ -41,15 +41,15 @@ enum class MergeType : std::uint32_t {
 // records costs no more than they hold.
 class GrowingRecord {
  public:
-  explicit GrowingRecord(const Record& record) {
-    for (const Record::Field& field : record.fields()) add(field);
-  }
+  explicit GrowingRecord(const Record& record)
+      : labels_(record.keys()), held_(record.values().begin(), record.values().end()) {}
 
   void merge(const Record& other, MergeType type) {
     for (const Record::Field& field : other.fields()) {
       const std::size_t position = labels_.position(field.key);
-      if (position == ValueSet::kNone) {
-        add(field);
+      if (position == Keys::kNone) {
+        labels_.append(field.key);
+        held_.emplace_back(field.value);
       } else {
         mergeInto(held_[position], field.value, type);
       }
@@ -57,22 +57,16 @@ class GrowingRecord {
   }
 
   [[nodiscard]] Record finish() && {
-    Record record;
-    for (std::size_t i = 0; i < held_.size(); ++i) {
-      record.set(labels_.values()[i], finished(std::move(held_[i])));
-    }
-    return record;
+    std::vector<Value> values;
+    values.reserve(held_.size());
+    for (Held& held : held_) values.push_back(finished(std::move(held)));
+    return {std::move(labels_), std::move(values)};
   }
 
  private:
   using Nested = std::unique_ptr<GrowingRecord>;
   // A value as it came, the items of a list that grows, or a record that does.
   using Held = std::variant<Value, Items, Nested>;
-
-  void add(const Record::Field& field) {
-    labels_.insert(field.key);
-    held_.emplace_back(field.value);
-  }
 
   static void mergeInto(Held& held, const Value& value, MergeType type) {
     if (auto* nested = std::get_if<Nested>(&held); nested != nullptr && value.isRecord()) {
@@ -121,7 +115,7 @@ class GrowingRecord {
     return std::get<Value>(std::move(held));
   }
 
-  ValueSet labels_;
+  Keys labels_;
   std::vector<Held> held_;  // by the position of the label
 };
 

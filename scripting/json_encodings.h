@@ -92,7 +92,7 @@ struct rapidjson::Transcoder<skerrow::scripting::JsonUtf8, skerrow::scripting::J
   template <class Output>
   static bool Validate(skerrow::scripting::JsonSource& source, Output& output) {
     const std::string_view ready = source.ready();
-    const std::size_t plain = plainCount(ready);
+    const std::size_t plain = plainCount(ready.substr(0, kLongestRun));
     if (plain == 0) return otherCharacters(source, output);
     auto* const units = static_cast<char16_t*>(output.Push(static_cast<SizeType>(plain)));
     for (std::size_t i = 0; i < plain; ++i) units[i] = static_cast<unsigned char>(ready[i]);
@@ -101,6 +101,8 @@ struct rapidjson::Transcoder<skerrow::scripting::JsonUtf8, skerrow::scripting::J
   }
 
  private:
+  static constexpr std::size_t kLongestRun = std::size_t{1} << 20U;
+
   // How many bytes at the front stand for themselves: ASCII but for control characters,
   // quotation marks and backslashes.
   static std::size_t plainCount(std::string_view bytes) {
@@ -121,7 +123,8 @@ struct rapidjson::Transcoder<skerrow::scripting::JsonUtf8, skerrow::scripting::J
   }
 
   static bool isPlain(char character) {
-    return character >= ' ' && character != '"' && character != '\\';
+    const auto byte = static_cast<unsigned char>(character);
+    return byte >= ' ' && byte < 0x80 && byte != '"' && byte != '\\';
   }
 
   // A run of characters that are not ASCII, or any one character.

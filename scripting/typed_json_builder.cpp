@@ -15,7 +15,7 @@
 #include "foundation/text_encoding.h"
 #include "foundation/url.h"
 #include "values/depth.h"
-#include "values/text.h"
+#include "values/hash.h"
 
 namespace skerrow::scripting {
 
@@ -180,7 +180,7 @@ void TypedJsonBuilder::beginObject() { open(true); }
 void TypedJsonBuilder::addLabel(std::u16string_view label) {
   labels_.push(label);
   Frame& frame = frames_.back();
-  frame.labelHash = (frame.labelHash ^ hashOfUnits(label)) * 0x9E3779B97F4A7C15ULL;
+  frame.labelHash = mixedHash(frame.labelHash, hashOfUnits(label));
   frame.hasFormLabel = frame.hasFormLabel || label.starts_with(u'$');
 }
 
@@ -190,13 +190,12 @@ void TypedJsonBuilder::open(bool isObject) {
 }
 
 void TypedJsonBuilder::endArray() {
-  const std::size_t first = frames_.back().firstValue;
+  const Frame frame = std::move(frames_.back());
   frames_.pop_back();
+  const std::size_t first = frame.firstValue;
   ScriptValue list = first == 0 ? ScriptValue::list(std::exchange(values_, {}))  // all there is
                                 : ScriptValue::listTaking(std::span(values_).subspan(first));
-  values_.resize(first);
-  values_.push_back(std::move(list));
-  lastNumber_.reset();
+  close(frame, std::move(list));
 }
 
 void TypedJsonBuilder::endObject() {
@@ -205,11 +204,14 @@ void TypedJsonBuilder::endObject() {
   const bool isUnderFormLabel = !frames_.empty() && frames_.back().hasFormLabel;
   const Keys* const labels = frame.hasFormLabel || isUnderFormLabel ? nullptr : userLabelsOf(frame);
   if (labels == nullptr) return closeObject(frame);
-  ScriptValue record = ScriptValue::labelledRecord("reco"_code, *labels,
-                                                   std::span(values_).subspan(frame.firstValue));
+  close(frame, ScriptValue::labelledRecord(*labels, std::span(values_).subspan(frame.firstValue)));
+}
+
+// Puts the finished value where its members lay.
+void TypedJsonBuilder::close(const Frame& frame, ScriptValue value) {
   labels_.cut(frame.firstLabel);
   values_.resize(frame.firstValue);
-  values_.push_back(std::move(record));
+  values_.push_back(std::move(value));
   lastNumber_.reset();
 }
 
@@ -232,7 +234,7 @@ const Keys* TypedJsonBuilder::userLabelsOf(const Frame& frame) {
 
 // A record that may have other fields than user fields.
 ScriptValue TypedJsonBuilder::recordFrom(Labels labels, std::span<ScriptValue> values) {
-  FourCharCode type = "reco"_code;
+  FourCharCode type = kPlainRecord;
   std::vector<ScriptField> fields;
   std::vector<ScriptValue> userFields;
   std::size_t userFieldsAt = 0;  // they stand where the first of them stood
@@ -249,7 +251,7 @@ ScriptValue TypedJsonBuilder::recordFrom(Labels labels, std::span<ScriptValue> v
   }
   if (!userFields.empty()) {
     fields.insert(fields.begin() + static_cast<std::ptrdiff_t>(userFieldsAt),
-                  {"usrf"_code, ScriptValue::list(std::move(userFields))});
+                  {kUserFields, ScriptValue::list(std::move(userFields))});
   }
   return ScriptValue::record(type, std::move(fields));
 }
@@ -266,10 +268,7 @@ void TypedJsonBuilder::closeObject(const Frame& frame) {
   Reading plain{std::nullopt, frame.first ? frame.first->problem : ""};
   if ((!isForm || isFirst) && plain.problem.empty()) plain.value = recordFrom(labels, values);
   const Reading& reading = isForm ? form : plain;
-  labels_.cut(frame.firstLabel);
-  values_.resize(frame.firstValue);
-  values_.push_back(reading.value.value_or(ScriptValue()));
-  lastNumber_.reset();
+  close(frame, reading.value.value_or(ScriptValue()));
   if (isFirst) {
     std::string problem = reading.problem;
     frames_.back().first =

@@ -1,6 +1,7 @@
 #pragma once
 // TypedJsonBuilder: makes a script value from the pieces of a typed JSON text as
-// they are read, in order. Nothing but the finished values is kept.
+// they are read, in order. Nothing is kept but the finished values, and the labels
+// of some objects, for others to share.
 
 #include <array>
 #include <cstddef>
@@ -16,6 +17,8 @@
 #include "values/keys.h"
 #include "values/number.h"
 #include "values/script_value.h"
+#include "values/text.h"
+#include "values/value.h"
 
 namespace skerrow::scripting {
 
@@ -32,7 +35,8 @@ class TypedJsonBuilder {
  public:
   explicit TypedJsonBuilder(const CompileSource* compileSource) : compileSource_(compileSource) {}
 
-  // Each throws JsonError for what has no place in typed JSON.
+  // Each throws JsonError for what has no place in typed JSON, and what begins or ends
+  // NestingTooDeep.
   void addNull();
   void addBoolean(bool value);
   void addNumber(Number number);
@@ -116,6 +120,7 @@ class TypedJsonBuilder {
 
   void open(bool isObject);
   [[nodiscard]] const Keys* userLabelsOf(const Frame& frame);
+  void close(const Frame& frame, ScriptValue value);
   void closeObject(const Frame& frame);
   // Takes the values from where they lie.
   [[nodiscard]] static ScriptValue recordFrom(Labels labels, std::span<ScriptValue> values);

@@ -181,10 +181,10 @@ class Receiver {
       if (!name || name->isEmpty()) throw JsonError("“command” needs the name of a command");
       event_.command = foundation::utf8FromUtf16(name->view());
     } else if (key_ == "timeout") {
-      const auto seconds = core::isNumberType(value.type()) && value.payload().size() > 1
-                               ? core::numberFromScriptValue(value)
+      const auto seconds = core::numberFromScriptValue(value);
+      const auto timeout = seconds && seconds->kind() != NumberKind::boolean
+                               ? timeoutFromSeconds(seconds->asReal())
                                : std::nullopt;
-      const auto timeout = seconds ? timeoutFromSeconds(seconds->asReal()) : std::nullopt;
       if (!timeout) throw JsonError("“timeout” needs a number of seconds, 0 or more");
       event_.timeout = *timeout;
     }
@@ -206,6 +206,9 @@ class Receiver {
   Event event_;
 };
 
+constexpr const char* kControlCharacter =
+    "a control character in a text must be written as an escape";
+
 // What the library found, in words for a person who may not know its terms.
 std::string problemFrom(rapidjson::ParseErrorCode code, bool isControlCharacter) {
   switch (code) {
@@ -226,10 +229,9 @@ std::string problemFrom(rapidjson::ParseErrorCode code, bool isControlCharacter)
     case rapidjson::kParseErrorStringUnicodeEscapeInvalidHex:
       return "four hexadecimal digits were expected after \\u";
     case rapidjson::kParseErrorStringEscapeInvalid:
-      return isControlCharacter ? "a control character in a text must be written as an escape"
-                                : "there is no such escape";
+      return isControlCharacter ? kControlCharacter : "there is no such escape";
     case rapidjson::kParseErrorStringMissQuotationMark:
-      return "the text has no closing quotation mark";
+      return isControlCharacter ? kControlCharacter : "the text has no closing quotation mark";
     case rapidjson::kParseErrorStringInvalidEncoding:
       return "the text is not valid UTF-8";
     case rapidjson::kParseErrorNumberTooBig:
@@ -252,19 +254,20 @@ void read(JsonSource& source, Receiver& receiver) {
   constexpr unsigned kFlags =
       rapidjson::kParseValidateEncodingFlag | rapidjson::kParseFullPrecisionFlag;
   rapidjson::GenericReader<JsonUtf8, JsonUtf16> reader;
+  rapidjson::ParseResult result;
   try {
-    const rapidjson::ParseResult result = reader.Parse<kFlags>(source, receiver);
-    if (result.IsError()) {
-      const bool isControlCharacter = static_cast<unsigned char>(source.Peek()) < ' ';
-      failAt(source, result.Offset(), problemFrom(result.Code(), isControlCharacter));
-    }
+    result = reader.Parse<kFlags>(source, receiver);
   } catch (const NestingTooDeep& tooDeep) {
     std::string_view problem = tooDeep.what();
     problem.remove_suffix(1);  // its full stop comes where the whole message ends
     failAt(source, receiver.lastPlace(), std::string(problem));
   } catch (const JsonError& error) {
-    if (std::string_view(error.what()).starts_with("line ")) throw;
     failAt(source, receiver.lastPlace(), error.what());
+  }
+  if (result.IsError()) {
+    const bool isControlCharacter =
+        static_cast<unsigned char>(source.Peek()) < ' ' && !source.isAtEnd();
+    failAt(source, result.Offset(), problemFrom(result.Code(), isControlCharacter));
   }
   if (!source.isAtEnd()) failAt(source, source.Tell(), "the character NUL has no place here");
 }

@@ -50,13 +50,11 @@ class Pieces {
 
 using Writer = rapidjson::Writer<Pieces, JsonUtf16, JsonUtf8>;
 
-constexpr FourCharCode kPlainRecord = "reco"_code;
-
 // A record's user fields, if they are what an object can show: labels that are
 // text and no keyword, each with its value.
 std::optional<std::span<const ScriptValue>> plainUserFields(const ScriptField& field) {
   const auto items = field.value.items();
-  if (field.keyword != "usrf"_code || !field.value.hasItems() || items.size() % 2 != 0) {
+  if (field.keyword != kUserFields || !field.value.hasItems() || items.size() % 2 != 0) {
     return std::nullopt;
   }
   for (std::size_t i = 0; i < items.size(); i += 2) {
@@ -67,7 +65,7 @@ std::optional<std::span<const ScriptValue>> plainUserFields(const ScriptField& f
 }
 
 // Whether an object that has just these labels would be taken for one of the special forms.
-bool lookSpecial(std::span<const std::u16string_view> labels) {
+bool areLabelsOfForm(std::span<const std::u16string_view> labels) {
   if (labels.size() == 1) return labels[0].starts_with(u'$');
   const auto isPair = [&labels](std::u16string_view main, std::u16string_view companion) {
     return (labels[0] == main && labels[1] == companion) ||
@@ -76,14 +74,14 @@ bool lookSpecial(std::span<const std::u16string_view> labels) {
   return labels.size() == 2 && (isPair(u"$number", u"as") || isPair(u"$raw", u"data"));
 }
 
-bool looksSpecial(const Keys& labels) {
+bool areLabelsOfForm(const Keys& labels) {
   if (labels.count() > 2) return false;
   std::array<std::u16string_view, 2> views;
   for (std::size_t i = 0; i < labels.count(); ++i) views[i] = labels[i].text();
-  return lookSpecial(std::span(views).first(labels.count()));
+  return areLabelsOfForm(std::span(views).first(labels.count()));
 }
 
-bool looksSpecial(std::span<const ScriptField> fields) {
+bool areFieldsOfForm(std::span<const ScriptField> fields) {
   std::vector<Text> labels;
   for (const ScriptField& field : fields) {
     const auto items = plainUserFields(field);
@@ -95,7 +93,7 @@ bool looksSpecial(std::span<const ScriptField> fields) {
   }
   std::vector<std::u16string_view> views;
   for (const Text& label : labels) views.push_back(label.view());
-  return lookSpecial(views);
+  return areLabelsOfForm(views);
 }
 
 class ValueWriter {
@@ -216,7 +214,8 @@ class ValueWriter {
     if (labels == nullptr || !foundation::areUserLabels(*labels)) {
       return writeFields(record, record.fields());
     }
-    const bool isWrapped = begin(record, [labels] { return looksSpecial(*labels); });
+    const bool isWrapped = areLabelsOfForm(*labels);
+    begin(isWrapped);
     for (std::size_t i = 0; i < labels->count(); ++i) {
       key((*labels)[i].text());
       write(record.labelledValues()[i]);
@@ -225,24 +224,22 @@ class ValueWriter {
   }
 
   void writeFields(const ScriptValue& record, const std::vector<ScriptField>& fields) {
-    const bool isWrapped = begin(record, [&fields] { return looksSpecial(fields); });
+    const bool isPlain = record.type() == kPlainRecord;
+    const bool isWrapped = isPlain && areFieldsOfForm(fields);
+    begin(isWrapped);
+    if (!isPlain) writeClass(record.type());
     for (const ScriptField& field : fields) writeField(field);
     end(isWrapped);
   }
 
   // Begins the object of a record, inside of another one where a plain record would be
   // taken for a special form.
-  template <class LooksSpecial>
-  bool begin(const ScriptValue& record, LooksSpecial&& looksSpecial) {
-    const bool isPlain = record.type() == kPlainRecord;
-    const bool isWrapped = isPlain && looksSpecial();
+  void begin(bool isWrapped) {
     if (isWrapped) {
       writer_.StartObject();
       key(u"$record");
     }
     writer_.StartObject();
-    if (!isPlain) writeClass(record.type());
-    return isWrapped;
   }
 
   void end(bool isWrapped) {

@@ -15,4 +15,11 @@ class NestingTooDeep : public std::length_error {
   NestingTooDeep();
 };
 
+/// The depth of something that is `levels` deeper than the deepest of what it holds. Throws
+/// NestingTooDeep.
+inline std::uint32_t deeperBy(std::uint32_t levels, std::uint32_t deepest) {
+  if (deepest + levels > kMaximumDepth) throw NestingTooDeep();
+  return deepest + levels;
+}
+
 }  // namespace skerrow

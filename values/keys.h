@@ -38,6 +38,7 @@ class Keys {
   /// Adds a key, which must not be here yet. Copies made before keep their own.
   void append(Value key);
 
+  /// Valid until this handle grows or goes.
   [[nodiscard]] std::span<const Value> all() const noexcept {
     return block_ == nullptr ? std::span<const Value>() : std::span(block_->keys);
   }

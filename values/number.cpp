@@ -2,8 +2,9 @@
 
 #include <bit>
 #include <cmath>
-#include <functional>
 #include <limits>
+
+#include "values/hash.h"
 
 namespace skerrow {
 
@@ -101,8 +102,7 @@ bool operator==(const Number& a, const Number& b) noexcept { return canonical(a)
 
 std::size_t Number::hash() const noexcept {
   const Canonical form = canonical(*this);
-  return std::hash<std::uint64_t>{}((form.bits + static_cast<std::uint64_t>(form.form)) *
-                                    0x9E3779B97F4A7C15ULL);
+  return mixedHash(static_cast<std::uint64_t>(form.form), form.bits);
 }
 
 }  // namespace skerrow

@@ -7,6 +7,7 @@
 #include <initializer_list>
 #include <iterator>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "values/keys.h"
@@ -33,7 +34,7 @@ class Record {
   /// Keys with as many values.
   Record(Keys keys, std::vector<Value> values) noexcept;
 
-  /// Makes room for so many fields.
+  /// Makes room for the values of so many fields.
   void reserve(std::size_t fieldCount) { values_.reserve(fieldCount); }
 
   /// Stores a value under a key; a key that is there keeps its place.
@@ -49,7 +50,10 @@ class Record {
   [[nodiscard]] bool isEmpty() const noexcept { return values_.empty(); }
 
   /// The values to change at will, handed over.
-  [[nodiscard]] std::vector<Value> takeValues() && noexcept { return std::move(values_); }
+  [[nodiscard]] std::vector<Value> takeValues() && noexcept {
+    keys_ = Keys();
+    return std::move(values_);
+  }
 
   /// The same keys with equal values, in any order.
   friend bool operator==(const Record& a, const Record& b);
@@ -78,7 +82,9 @@ class Record::Fields {
       return *this;
     }
     Iterator operator++(int) noexcept { return std::exchange(*this, {key_ + 1, value_ + 1}); }
-    friend bool operator==(const Iterator&, const Iterator&) = default;
+    friend bool operator==(const Iterator& a, const Iterator& b) noexcept {
+      return a.value_ == b.value_;
+    }
 
    private:
     const Value* key_ = nullptr;

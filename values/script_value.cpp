@@ -29,7 +29,7 @@ class ScriptValue::Items : public SharedCount {
   /// Takes the items over.
   static const Items* make(std::uint32_t depth, std::span<ScriptValue> few) {
     auto* block = allocate(depth, static_cast<std::uint32_t>(few.size()), few.size_bytes());
-    std::ranges::uninitialized_move(few, std::span(block->few(), few.size()));
+    std::uninitialized_move(few.begin(), few.end(), static_cast<ScriptValue*>(block->tail()));
     return block;
   }
   static const Items* make(std::uint32_t depth, std::vector<ScriptValue> items) {
@@ -101,9 +101,11 @@ class ScriptValue::Labelled : public SharedCount {
  public:
   static const Labelled* make(std::uint32_t depth, const Keys& labels,
                               std::span<ScriptValue> values) {
+    static_assert(sizeof(Labelled) % alignof(ScriptValue) == 0);
     void* const memory = ::operator new(sizeof(Labelled) + values.size_bytes());
     auto* const block = new (memory) Labelled(depth, labels);
-    std::ranges::uninitialized_move(values, block->values());
+    void* const tail = block + 1;
+    std::uninitialized_move(values.begin(), values.end(), static_cast<ScriptValue*>(tail));
     return block;
   }
 
@@ -136,11 +138,6 @@ class ScriptValue::Labelled : public SharedCount {
 
 namespace {
 
-std::uint32_t deeperBy(std::uint32_t levels, std::uint32_t deepest) {
-  if (deepest + levels > kMaximumDepth) throw NestingTooDeep();
-  return deepest + levels;
-}
-
 std::uint32_t depthOver(std::span<const ScriptValue> values, std::uint32_t levels) {
   std::uint32_t deepest = 0;
   for (const ScriptValue& value : values) deepest = std::max(deepest, value.depth());
@@ -151,7 +148,7 @@ std::uint32_t depthOver(const std::vector<ScriptField>& fields) {
   std::uint32_t deepest = 0;
   for (const ScriptField& field : fields) {
     // The list of user fields is the second of a record's own levels.
-    const bool isOwnLevel = field.keyword == "usrf"_code && field.value.hasItems();
+    const bool isOwnLevel = field.keyword == kUserFields && field.value.hasItems();
     deepest = std::max(deepest, field.value.depth() - (isOwnLevel ? 1 : 0));
   }
   return deeperBy(2, deepest);
@@ -268,10 +265,9 @@ ScriptValue ScriptValue::record(FourCharCode type, std::vector<ScriptField> fiel
   return {type, Storage::fields, new Fields{{}, depthOver(fields), std::move(fields)}};
 }
 
-ScriptValue ScriptValue::labelledRecord(FourCharCode type, const Keys& labels,
-                                        std::span<ScriptValue> values) {
+ScriptValue ScriptValue::labelledRecord(const Keys& labels, std::span<ScriptValue> values) {
   assert(labels.count() == values.size() && std::ranges::all_of(labels.all(), &Value::isText));
-  return {type, Storage::labelled, Labelled::make(depthOver(values, 2), labels, values)};
+  return {kPlainRecord, Storage::labelled, Labelled::make(depthOver(values, 2), labels, values)};
 }
 
 std::span<const ScriptValue> ScriptValue::items() const noexcept {
@@ -290,7 +286,7 @@ std::vector<ScriptField> ScriptValue::fields() const {
     labelsAndValues.push_back(text(labels[i].sharedText()));
     labelsAndValues.push_back(labelledValues()[i]);
   }
-  return {{"usrf"_code, list(std::move(labelsAndValues))}};
+  return {{kUserFields, list(std::move(labelsAndValues))}};
 }
 
 const Keys* ScriptValue::labels() const noexcept {
@@ -326,12 +322,9 @@ std::vector<ScriptValue> ScriptValue::takeItems() && {
   return taken;
 }
 
-std::span<ScriptValue> ScriptValue::labelledValuesToTake(std::vector<ScriptValue>& room) {
-  if (storage_ == Storage::labelled && block<Labelled>()->isUnique()) {
-    return ownBlock<Labelled>()->values();
-  }
-  room.assign(labelledValues().begin(), labelledValues().end());
-  return room;
+std::span<ScriptValue> ScriptValue::ownLabelledValues() noexcept {
+  if (storage_ != Storage::labelled || !block<Labelled>()->isUnique()) return {};
+  return ownBlock<Labelled>()->values();
 }
 
 std::string_view ScriptValue::payload() const noexcept {
@@ -374,9 +367,14 @@ bool operator==(const ScriptValue& a, const ScriptValue& b) {
     return false;
   }
   if (!a.hasFields()) return a.payload() == b.payload() && std::ranges::equal(a.items(), b.items());
-  if (a.labels() != nullptr && b.labels() != nullptr) {
-    return std::ranges::equal(a.labels()->all(), b.labels()->all()) &&
+  const Keys* const labels = a.labels();
+  const Keys* const others = b.labels();
+  if (labels != nullptr && others != nullptr) {
+    return (labels->areShared(*others) || std::ranges::equal(labels->all(), others->all())) &&
            std::ranges::equal(a.labelledValues(), b.labelledValues());
+  }
+  if (labels == nullptr && others == nullptr) {
+    return a.block<ScriptValue::Fields>()->fields == b.block<ScriptValue::Fields>()->fields;
   }
   return a.fields() == b.fields();
 }

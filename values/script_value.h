@@ -16,7 +16,6 @@
 #include <cstdint>
 #include <optional>
 #include <span>
-#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -28,6 +27,10 @@ namespace skerrow {
 
 class Keys;
 struct ScriptField;
+
+/// The class of a plain record, and the keyword of the fields that scripts label freely.
+inline constexpr FourCharCode kPlainRecord{0x7265636F};  // 'reco'
+inline constexpr FourCharCode kUserFields{0x75737266};   // 'usrf'
 
 class ScriptValue {
  public:
@@ -75,12 +78,11 @@ class ScriptValue {
   static ScriptValue list(std::vector<ScriptValue> items);
   /// The same of items that are taken from where they lie.
   static ScriptValue listTaking(std::span<ScriptValue> items);
-  /// A record of the class `type` ('reco' for a plain one). Throws NestingTooDeep.
+  /// A record of the class `type`. Throws NestingTooDeep.
   static ScriptValue record(FourCharCode type, std::vector<ScriptField> fields);
-  /// A record of user fields only: labels, which are texts, and as many values, which are
-  /// taken from where they lie. Throws NestingTooDeep.
-  static ScriptValue labelledRecord(FourCharCode type, const Keys& labels,
-                                    std::span<ScriptValue> values);
+  /// A plain record of user fields only: labels, which are texts, and as many values, which
+  /// are taken from where they lie. Throws NestingTooDeep.
+  static ScriptValue labelledRecord(const Keys& labels, std::span<ScriptValue> values);
 
   [[nodiscard]] FourCharCode type() const noexcept { return type_; }
 
@@ -90,11 +92,14 @@ class ScriptValue {
   [[nodiscard]] bool hasFields() const noexcept {
     return storage_ == Storage::fields || storage_ == Storage::labelled;
   }
-  /// The items of a list; empty for anything else.
+  /// The items of a list, valid as long as any copy of this value lives; empty for anything
+  /// else.
   [[nodiscard]] std::span<const ScriptValue> items() const noexcept;
-  /// The fields of a record in stored order; empty for anything else.
+  /// The fields of a record in stored order, in a vector made for this call; empty for
+  /// anything else.
   [[nodiscard]] std::vector<ScriptField> fields() const;
   /// The labels of a record that was made of labels and values; null for anything else.
+  /// They and the values are valid as long as any copy of this value lives.
   [[nodiscard]] const Keys* labels() const noexcept;
   /// Its values, by the position of their label; empty for anything else.
   [[nodiscard]] std::span<const ScriptValue> labelledValues() const noexcept;
@@ -111,9 +116,9 @@ class ScriptValue {
   [[nodiscard]] std::optional<Text> takeText() && noexcept;
   /// The items of a list, handed over where nobody else has them, else copied.
   [[nodiscard]] std::vector<ScriptValue> takeItems() &&;
-  /// The values of a record that was made of labels and values, to take from as long
-  /// as this value lives: its own where nobody else has them, else copies in `room`.
-  [[nodiscard]] std::span<ScriptValue> labelledValuesToTake(std::vector<ScriptValue>& room);
+  /// The values of a record that was made of labels and values, to be taken from, as long
+  /// as this value lives; empty where somebody else has them too.
+  [[nodiscard]] std::span<ScriptValue> ownLabelledValues() noexcept;
   /// The payload's bytes, valid as long as this object; empty for lists and records.
   [[nodiscard]] std::string_view payload() const noexcept;
   /// The payload as a plain number, or nothing when its width is another.

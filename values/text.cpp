@@ -6,6 +6,8 @@
 #include <new>
 #include <utility>
 
+#include "values/hash.h"
+
 namespace skerrow {
 
 namespace {
@@ -32,26 +34,8 @@ const TextPayload* adopted(std::u16string&& units) {
 
 }  // namespace
 
-// Multiplies and folds eight bytes at a time.
 std::size_t hashOfUnits(std::u16string_view units) noexcept {
-  __extension__ using Wide = unsigned __int128;
-  constexpr std::uint64_t kFirst = 0x9E3779B97F4A7C15ULL;
-  constexpr std::uint64_t kSecond = 0xD6E8FEB86659FD93ULL;
-  const auto mixed = [](std::uint64_t a, std::uint64_t b) {
-    const auto product = static_cast<Wide>(a) * b;
-    return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64U);
-  };
-  std::uint64_t hash = units.size() * kFirst;
-  const char16_t* unit = units.data();
-  std::size_t left = units.size();
-  for (; left >= 4; left -= 4, unit += 4) {
-    std::uint64_t four = 0;
-    std::memcpy(&four, unit, sizeof four);
-    hash = mixed(hash ^ four, kSecond);
-  }
-  std::uint64_t rest = 0;
-  if (left > 0) std::memcpy(&rest, unit, left * sizeof(char16_t));
-  return mixed(hash ^ rest, kFirst);
+  return hashOfBytes(units.data(), units.size() * sizeof(char16_t));
 }
 
 Text::Text(std::u16string_view units)

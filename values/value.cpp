@@ -1,10 +1,10 @@
 #include "values/value.h"
 
 #include <algorithm>
-#include <functional>
 #include <utility>
 
 #include "values/depth.h"
+#include "values/hash.h"
 #include "values/record.h"
 #include "values/script_value.h"
 #include "values/shared_count.h"
@@ -28,16 +28,7 @@ struct Value::Block : SharedCount {
 
 namespace {
 
-std::uint32_t deeperBy(std::uint32_t levels, std::uint32_t deepest) {
-  if (deepest + levels > kMaximumDepth) throw NestingTooDeep();
-  return deepest + levels;
-}
-
-std::size_t combined(std::size_t hash, std::size_t next) {
-  return (hash ^ next) * 0x9E3779B97F4A7C15ULL + (hash >> 7U);
-}
-
-std::size_t hashOf(std::string_view bytes) { return std::hash<std::string_view>{}(bytes); }
+std::size_t hashOf(std::string_view bytes) { return hashOfBytes(bytes.data(), bytes.size()); }
 
 }  // namespace
 
@@ -201,7 +192,7 @@ std::uint32_t Value::depth() const noexcept {
   }
 }
 
-bool operator==(const Value& a, const Value& b) noexcept {
+bool operator==(const Value& a, const Value& b) {
   if (a.kind_ != b.kind_) return false;
   switch (a.kind_) {
     case Kind::null:
@@ -235,40 +226,40 @@ bool operator==(const Value& a, const Value& b) noexcept {
 }
 
 std::size_t Value::hash() const noexcept {
-  const auto seed = static_cast<std::size_t>(kind_) + 1;
+  const auto kindNumber = static_cast<std::size_t>(kind_);
   switch (kind_) {
     case Kind::null:
-      return seed;
+      return kindNumber;
     case Kind::number:
       return number().hash();
     case Kind::date:
-      return combined(seed, Number::real(real_).hash());
+      return mixedHash(kindNumber, Number::real(real_).hash());
     case Kind::text:
       return hashOfUnits(text());
     case Kind::url:
-      return combined(seed, hashOf(url().absoluteString));
+      return mixedHash(kindNumber, hashOf(url().absoluteString));
     case Kind::list: {
-      std::size_t hash = seed;
-      for (const Value& item : items()) hash = combined(hash, item.hash());
+      std::size_t hash = kindNumber;
+      for (const Value& item : items()) hash = mixedHash(hash, item.hash());
       return hash;
     }
     case Kind::record: {
-      std::size_t hash = seed;  // a sum, as equality does not see the order
+      std::size_t hash = kindNumber;  // a sum, as equality does not see the order
       for (const Record::Field& field : record().fields()) {
-        hash += combined(field.key.hash(), field.value.hash());
+        hash += mixedHash(field.key.hash(), field.value.hash());
       }
       return hash;
     }
     case Kind::data:
-      return combined(seed, hashOf(data()));
+      return mixedHash(kindNumber, hashOf(data()));
     case Kind::raw:
-      return combined(skerrow::number(raw().type()), hashOf(raw().payload()));
+      return mixedHash(skerrow::number(raw().type()), hashOf(raw().payload()));
     case Kind::error:
-      return combined(seed, hashOf(error().localizedDescription));
+      return mixedHash(kindNumber, hashOf(error().localizedDescription));
     case Kind::opaque:
-      return combined(seed, std::hash<const void*>{}(shared_));
+      return mixedHash(kindNumber, reinterpret_cast<std::uintptr_t>(shared_));
   }
-  return seed;
+  return kindNumber;
 }
 
 }  // namespace skerrow

@@ -130,7 +130,7 @@ class Value {
   /// record (its fields lie in a list when it crosses the scripting boundary).
   [[nodiscard]] std::uint32_t depth() const noexcept;
 
-  friend bool operator==(const Value& a, const Value& b) noexcept;
+  friend bool operator==(const Value& a, const Value& b);
   [[nodiscard]] std::size_t hash() const noexcept;
   /// Tells the processor that this value's content is about to be looked at.
   void fetch() const noexcept {

@@ -15,21 +15,19 @@ inline ScriptValue scriptText(std::u16string_view units) { return ScriptValue::t
 
 /// A record of user fields: label, value, label, value.
 inline ScriptValue scriptRecord(std::vector<ScriptValue> labelsAndValues) {
-  return ScriptValue::record(
-      FourCharCode{0x7265636F},
-      {{FourCharCode{0x75737266}, ScriptValue::list(std::move(labelsAndValues))}});
+  return ScriptValue::record(kPlainRecord,
+                             {{kUserFields, ScriptValue::list(std::move(labelsAndValues))}});
 }
 
 /// The same made of labels, which must differ, and values.
-inline ScriptValue labelledRecord(std::vector<std::pair<std::u16string_view, ScriptValue>> fields,
-                                  FourCharCode type = FourCharCode{0x7265636F}) {
+inline ScriptValue labelledRecord(std::vector<std::pair<std::u16string_view, ScriptValue>> fields) {
   Keys labels;
   std::vector<ScriptValue> values;
   for (auto& [label, value] : fields) {
     labels.append(label);
     values.push_back(std::move(value));
   }
-  return ScriptValue::labelledRecord(type, labels, values);
+  return ScriptValue::labelledRecord(labels, values);
 }
 
 /// A value of any type from a plain number in the host's byte order.

@@ -60,18 +60,13 @@ ScriptValue listOf(const UserFields& fields) {
   return ScriptValue::list(std::move(labelsAndValues));
 }
 
-rc::Gen<FourCharCode> anyClass() {
-  using namespace literals;
-  return rc::gen::element("reco"_code, "reco"_code, "cobj"_code);
-}
-
 rc::Gen<ScriptValue> anyScriptRecord() {
   using namespace literals;
   const auto field = rc::gen::pair(anyCode(), rc::gen::lazy(anyScriptValue));
   const auto keywords = rc::gen::scale(
       0.3, rc::gen::container<std::vector<std::pair<FourCharCode, ScriptValue>>>(field));
-  static constexpr FourCharCode kUserFields = "usrf"_code;
-  return rc::gen::map(rc::gen::tuple(anyClass(), keywords, anyUserFields()), [](const auto& parts) {
+  const auto theClass = rc::gen::element(kPlainRecord, kPlainRecord, "cobj"_code);
+  return rc::gen::map(rc::gen::tuple(theClass, keywords, anyUserFields()), [](const auto& parts) {
     std::vector<ScriptField> fields;
     bool hasUserFields = false;
     for (const auto& [keyword, value] : std::get<1>(parts)) {
@@ -85,15 +80,15 @@ rc::Gen<ScriptValue> anyScriptRecord() {
 }
 
 rc::Gen<ScriptValue> anyLabelledRecord() {
-  return rc::gen::map(rc::gen::pair(anyClass(), anyUserFields()), [](const auto& parts) {
+  return rc::gen::map(anyUserFields(), [](const UserFields& fields) {
     Keys labels;
     std::vector<ScriptValue> values;
-    for (const auto& [label, value] : parts.second) {
+    for (const auto& [label, value] : fields) {
       if (labels.position(Value(std::u16string_view(label))) != Keys::kNone) continue;
       labels.append(Value(std::u16string_view(label)));
       values.push_back(value);
     }
-    return ScriptValue::labelledRecord(parts.first, labels, values);
+    return ScriptValue::labelledRecord(labels, values);
   });
 }
 
