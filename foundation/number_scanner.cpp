@@ -10,6 +10,7 @@
 
 #include "foundation/character_sets.h"
 #include "foundation/code_points.h"
+#include "foundation/decimal.h"
 
 namespace skerrow::foundation {
 
@@ -150,37 +151,11 @@ class NumberReader {
   std::string ascii_;
 };
 
-namespace {
-
-// Of a number that no double can hold: whether it is too large and not too small.
-bool isTooLarge(std::string_view ascii) {
-  const std::size_t exponentAt = std::min(ascii.find('e'), ascii.size());
-  const std::string_view exponent = ascii.substr(std::min(exponentAt + 1, ascii.size()));
-  const std::string_view mantissa = ascii.substr(0, exponentAt);
-  const std::size_t point = std::min(mantissa.find('.'), mantissa.size());
-  const std::size_t first = mantissa.find_first_of("123456789");
-  // The decimal exponent of the first digit that counts.
-  const auto magnitude = static_cast<std::int64_t>(point) - static_cast<std::int64_t>(first);
-  std::int64_t shift = 0;
-  const auto read = std::from_chars(exponent.data(), exponent.data() + exponent.size(), shift);
-  if (read.ec == std::errc::result_out_of_range) return !exponent.starts_with('-');
-  return shift > -magnitude;
-}
-
-}  // namespace
-
 std::optional<ScannedNumber<double>> scanReal(std::u16string_view text,
                                               const NumberSymbols& symbols) {
   NumberReader reader(text, symbols);
   if (!reader.readReal()) return std::nullopt;
-  const std::string& ascii = reader.ascii();
-  double value = 0;
-  const auto read = std::from_chars(ascii.data(), ascii.data() + ascii.size(), value);
-  if (read.ec == std::errc::result_out_of_range) {
-    value = isTooLarge(ascii) ? std::numeric_limits<double>::infinity() : 0.0;
-    if (ascii.starts_with('-')) value = -value;
-  }
-  return ScannedNumber<double>{value, reader.position()};
+  return ScannedNumber<double>{nearestReal(reader.ascii()), reader.position()};
 }
 
 std::optional<ScannedNumber<std::int64_t>> scanInteger(std::u16string_view text,

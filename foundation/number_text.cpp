@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstdint>
 #include <utility>
+
+#include "foundation/decimal.h"
 
 namespace skerrow::foundation {
 
@@ -38,7 +41,9 @@ NumberAtFront readNumber(std::u16string_view text) {
 
   double real = 0;
   const auto [realEnd, realError] = std::from_chars(first, last, real);
-  if (realError != std::errc()) return {};
+  if (realError == std::errc::invalid_argument) return {};
+  if (realError != std::errc()) real = nearestReal({first, realEnd});
+  if (std::isinf(real)) return {};
   std::int64_t integer = 0;
   const auto [integerEnd, integerError] = std::from_chars(first, last, integer);
   if (integerError == std::errc() && integerEnd == realEnd) {

@@ -6,9 +6,11 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <limits>
 #include <utility>
 
+#include "foundation/decimal.h"
 #include "foundation/predicate_error.h"
 #include "foundation/text_encoding.h"
 
@@ -199,13 +201,12 @@ void PredicateScanner::readNumber(PredicateToken& token) {
   const std::string digits = utf8FromUtf16(format_.substr(token.begin, place_ - token.begin));
   const char* const last = digits.data() + digits.size();
   std::uint64_t integer = 0;
-  double real = 0;
   if (isInteger && std::from_chars(digits.data(), last, integer).ec == std::errc()) {
     token.number = smallest(integer);
-  } else if (std::from_chars(digits.data(), last, real).ec == std::errc()) {
-    token.number = Number::real(real);
   } else {
-    fail(token.begin, "the number is out of range");
+    const double real = nearestReal(digits);
+    if (std::isinf(real)) fail(token.begin, "the number is out of range");
+    token.number = Number::real(real);
   }
   checkNumberEnd(token);
 }

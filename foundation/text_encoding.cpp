@@ -120,6 +120,41 @@ std::u16string utf16FromUtf8Replacing(std::string_view bytes) {
   return text;
 }
 
+std::optional<CodePoint> codePointFromUtf8(std::string_view bytes) {
+  const auto* const first = reinterpret_cast<const unsigned char*>(bytes.data());
+  if (bytes.empty()) return std::nullopt;
+  if (*first < 0x80) return CodePoint{*first, 1};
+  const Decoded next = decodeMultibyte(first, bytes.size());
+  if (!next.isWellFormed) return std::nullopt;
+  return CodePoint{next.character, next.length};
+}
+
+std::size_t encodeUtf8(char32_t character, char* bytes) {
+  const auto tail = [character](unsigned shift) {
+    return static_cast<char>(0x80U | (character >> shift & 0x3FU));
+  };
+  if (character < 0x80) {
+    bytes[0] = static_cast<char>(character);
+    return 1;
+  }
+  if (character < 0x800) {
+    bytes[0] = static_cast<char>(0xC0U | character >> 6U);
+    bytes[1] = tail(0);
+    return 2;
+  }
+  if (character < 0x10000) {
+    bytes[0] = static_cast<char>(0xE0U | character >> 12U);
+    bytes[1] = tail(6);
+    bytes[2] = tail(0);
+    return 3;
+  }
+  bytes[0] = static_cast<char>(0xF0U | character >> 18U);
+  bytes[1] = tail(12);
+  bytes[2] = tail(6);
+  bytes[3] = tail(0);
+  return 4;
+}
+
 std::string utf8FromUtf16(std::u16string_view text) {
   std::string bytes;
   bytes.reserve(text.size() + text.size() / 8);
@@ -134,18 +169,8 @@ std::string utf8FromUtf16(std::u16string_view text) {
     } else if (isLeadingSurrogate(text[i]) || isTrailingSurrogate(text[i])) {
       character = kReplacement;
     }
-    if (character < 0x800) {
-      bytes += static_cast<char>(0xC0U | character >> 6U);
-    } else {
-      if (character < 0x10000) {
-        bytes += static_cast<char>(0xE0U | character >> 12U);
-      } else {
-        bytes += static_cast<char>(0xF0U | character >> 18U);
-        bytes += static_cast<char>(0x80U | (character >> 12U & 0x3FU));
-      }
-      bytes += static_cast<char>(0x80U | (character >> 6U & 0x3FU));
-    }
-    bytes += static_cast<char>(0x80U | (character & 0x3FU));
+    char encoded[4];
+    bytes.append(encoded, encodeUtf8(character, encoded));
   }
   return bytes;
 }

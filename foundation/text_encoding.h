@@ -2,9 +2,12 @@
 // Conversions between UTF-16 text and bytes. All of them are linear and keep no
 // state. Lone surrogates, which no byte encoding here can hold, become U+FFFD.
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
+
+#include "foundation/code_points.h"
 
 namespace skerrow::foundation {
 
@@ -16,6 +19,13 @@ std::optional<std::u16string> utf16FromUtf8(std::string_view bytes);
 std::u16string utf16FromUtf8Replacing(std::string_view bytes);
 
 std::string utf8FromUtf16(std::u16string_view text);
+
+/// The character at the front of UTF-8, with the number of its bytes as that of its
+/// units; nothing when it is ill-formed or cut off.
+std::optional<CodePoint> codePointFromUtf8(std::string_view bytes);
+
+/// Writes the one to four bytes of a character, which must not be a surrogate; how many.
+std::size_t encodeUtf8(char32_t character, char* bytes);
 
 /// Whether any half of a surrogate pair stands without the other.
 bool hasLoneSurrogate(std::u16string_view text) noexcept;

@@ -1,8 +1,5 @@
 #include "scripting/typed_json_reader.h"
 
-#include <rapidjson/error/en.h>
-#include <rapidjson/reader.h>
-
 #include <algorithm>
 #include <optional>
 #include <string>
@@ -10,18 +7,8 @@
 
 #include "core/unpack.h"
 #include "foundation/text_encoding.h"
-#include "scripting/json_encodings.h"
+#include "scripting/json_parser.h"
 #include "values/depth.h"
-
-// Most often there is none, and that is seen at once.
-template <>
-inline void rapidjson::SkipWhitespace(skerrow::scripting::JsonSource& source) {
-  for (;;) {
-    const char next = source.Peek();
-    if (next > ' ' || (next != ' ' && next != '\n' && next != '\r' && next != '\t')) return;
-    source.skip(1);
-  }
-}
 
 namespace skerrow::scripting {
 
@@ -33,8 +20,7 @@ enum class Form { value, arguments, event };
 
 std::string quoted(const std::string& text) { return "“" + text + "”"; }
 
-// Receives the pieces of the text from the JSON library. The names are the
-// library's.
+// Receives what the parser finds.
 class Receiver {
  public:
   Receiver(Form form, const JsonSource& source, const CompileSource* compileSource)
@@ -43,69 +29,62 @@ class Receiver {
         place_(form == Form::value ? Place::value : Place::outside),
         form_(form) {}
 
-  bool Null() {
-    return leaf([this] { builder_.addNull(); });
+  void null() {
+    leaf([this] { builder_.addNull(); });
   }
-  bool Bool(bool value) {
-    return leaf([this, value] { builder_.addBoolean(value); });
+  void boolean(bool value) {
+    leaf([this, value] { builder_.addBoolean(value); });
   }
-  bool Int(int value) { return addNumber(Number::signed32(value)); }
-  bool Uint(unsigned value) { return addNumber(Number::unsigned32(value)); }
-  bool Int64(std::int64_t value) { return addNumber(Number::signed64(value)); }
-  bool Uint64(std::uint64_t value) { return addNumber(Number::unsigned64(value)); }
-  bool Double(double value) {
-    // What the library makes of zeros with an exponent, such as -0e300, is undefined.
-    return addNumber(Number::real(source_.zeroBehind().value_or(value)));
+  void number(Number number) {
+    leaf([this, number] { builder_.addNumber(number); });
   }
-  // Only asked for when numbers are wanted as they are written.
-  static bool RawNumber(const char16_t* /*units*/, rapidjson::SizeType /*count*/, bool /*copy*/) {
-    return false;
+  void text(std::u16string_view units) {
+    requireShort(units);
+    leaf([this, units] { builder_.addText(units); });
   }
-  bool String(const char16_t* units, rapidjson::SizeType count, bool /*copy*/) {
-    return leaf([&] { builder_.addText({units, count}); });
-  }
-  bool StartArray() {
-    lastToken_ = source_.Tell();
+  void beginArray() {
+    lastToken_ = source_.offset();
     requireValuePlace();
     builder_.beginArray();
-    return true;
   }
-  bool EndArray(rapidjson::SizeType /*count*/) {
+  void endArray() {
     builder_.endArray();
-    return finishValue();
+    finishValue();
   }
-  bool StartObject() {
-    lastToken_ = source_.Tell();
+  void beginObject() {
+    lastToken_ = source_.offset();
     if (!builder_.isInside()) {
-      if (place_ == Place::outside)
-        return enter(form_ == Form::event ? Place::event : Place::arguments);
+      if (place_ == Place::outside) {
+        place_ = form_ == Form::event ? Place::event : Place::arguments;
+        return;
+      }
       if (place_ == Place::event && key_ == "arguments") {
         event_.arguments.clear();
-        return enter(Place::arguments);
+        place_ = Place::arguments;
+        return;
       }
     }
     builder_.beginObject();
-    return true;
   }
-  bool Key(const char16_t* units, rapidjson::SizeType count, bool /*copy*/) {
-    lastToken_ = source_.Tell();
-    const std::u16string_view label(units, count);
+  void label(std::u16string_view units) {
+    lastToken_ = source_.offset();
+    requireShort(units);
     if (builder_.isInside()) {
-      builder_.addLabel(label);
+      builder_.addLabel(units);
     } else {
-      key_ = foundation::utf8FromUtf16(label);
+      key_ = foundation::utf8FromUtf16(units);
       if (place_ == Place::event) requireMember();
     }
-    return true;
   }
-  bool EndObject(rapidjson::SizeType /*count*/) {
+  void endObject() {
     if (builder_.isInside()) {
       builder_.endObject();
-      return finishValue();
+      finishValue();
+    } else {
+      place_ = place_ == Place::arguments && form_ == Form::event ? Place::event : Place::outside;
     }
-    place_ = place_ == Place::arguments && form_ == Form::event ? Place::event : Place::outside;
-    return true;
   }
+
   ScriptValue takeValue() { return std::move(value_); }
   Event takeEvent() { return std::move(event_); }
   /// Where the token ends that was received last, but for closing brackets.
@@ -115,9 +94,10 @@ class Receiver {
  private:
   enum class Place { value, outside, event, arguments };
 
-  bool enter(Place place) {
-    place_ = place;
-    return true;
+  // Text services count units in 31 bits, and some make several of one.
+  static void requireShort(std::u16string_view units) {
+    constexpr std::size_t kMostUnits = 0x3FFFFFFF;
+    if (units.size() > kMostUnits) throw JsonError("the text has more than 1073741823 characters");
   }
 
   void requireValuePlace() const {
@@ -132,21 +112,17 @@ class Receiver {
       throw JsonError("“arguments” needs an object");
   }
 
-  bool addNumber(Number number) {
-    return leaf([this, number] { builder_.addNumber(number); });
-  }
-
   template <class Add>
-  bool leaf(Add&& add) {
-    lastToken_ = source_.Tell();
+  void leaf(Add&& add) {
+    lastToken_ = source_.offset();
     requireValuePlace();
     add();
-    return finishValue();
+    finishValue();
   }
 
   // A value has been added; it may complete what the builder holds.
-  bool finishValue() {
-    if (builder_.isInside()) return true;
+  void finishValue() {
+    if (builder_.isInside()) return;
     ScriptValue value = builder_.take();
     if (place_ == Place::value) {
       value_ = std::move(value);
@@ -155,7 +131,6 @@ class Receiver {
     } else {
       setMember(std::move(value));
     }
-    return true;
   }
 
   void setArgument(ScriptValue value) {
@@ -206,57 +181,15 @@ class Receiver {
   Event event_;
 };
 
-constexpr const char* kControlCharacter =
-    "a control character in a text must be written as an escape";
-
-// What the library found, in words for a person who may not know its terms.
-std::string problemFrom(rapidjson::ParseErrorCode code, bool isControlCharacter) {
-  switch (code) {
-    case rapidjson::kParseErrorDocumentEmpty:
-      return "there is no JSON value here";
-    case rapidjson::kParseErrorDocumentRootNotSingular:
-      return "something follows the end of the value";
-    case rapidjson::kParseErrorValueInvalid:
-      return "a value was expected here";
-    case rapidjson::kParseErrorObjectMissName:
-      return "a name in double quotes, or “}”, was expected here";
-    case rapidjson::kParseErrorObjectMissColon:
-      return "a colon was expected after the name";
-    case rapidjson::kParseErrorObjectMissCommaOrCurlyBracket:
-      return "a comma or “}” was expected after the member";
-    case rapidjson::kParseErrorArrayMissCommaOrSquareBracket:
-      return "a comma or “]” was expected after the item";
-    case rapidjson::kParseErrorStringUnicodeEscapeInvalidHex:
-      return "four hexadecimal digits were expected after \\u";
-    case rapidjson::kParseErrorStringEscapeInvalid:
-      return isControlCharacter ? kControlCharacter : "there is no such escape";
-    case rapidjson::kParseErrorStringMissQuotationMark:
-      return isControlCharacter ? kControlCharacter : "the text has no closing quotation mark";
-    case rapidjson::kParseErrorStringInvalidEncoding:
-      return "the text is not valid UTF-8";
-    case rapidjson::kParseErrorNumberTooBig:
-      return "the number is too large";
-    case rapidjson::kParseErrorNumberMissFraction:
-      return "a digit was expected after the decimal point";
-    case rapidjson::kParseErrorNumberMissExponent:
-      return "a digit was expected in the exponent";
-    default:
-      return rapidjson::GetParseError_En(code);
-  }
-}
-
 [[noreturn]] void failAt(const JsonSource& source, std::size_t offset, const std::string& problem) {
   throw JsonError(source.placeOf(offset) + ": " + problem);
 }
 
 void read(JsonSource& source, Receiver& receiver) {
-  // Reading recurses, as deep as values go.
-  constexpr unsigned kFlags =
-      rapidjson::kParseValidateEncodingFlag | rapidjson::kParseFullPrecisionFlag;
-  rapidjson::GenericReader<JsonUtf8, JsonUtf16> reader;
-  rapidjson::ParseResult result;
   try {
-    result = reader.Parse<kFlags>(source, receiver);
+    JsonParser(source, receiver).parse();
+  } catch (const JsonFault& fault) {
+    failAt(source, fault.offset, fault.problem);
   } catch (const NestingTooDeep& tooDeep) {
     std::string_view problem = tooDeep.what();
     problem.remove_suffix(1);  // its full stop comes where the whole message ends
@@ -264,12 +197,6 @@ void read(JsonSource& source, Receiver& receiver) {
   } catch (const JsonError& error) {
     failAt(source, receiver.lastPlace(), error.what());
   }
-  if (result.IsError()) {
-    const bool isControlCharacter =
-        static_cast<unsigned char>(source.Peek()) < ' ' && !source.isAtEnd();
-    failAt(source, result.Offset(), problemFrom(result.Code(), isControlCharacter));
-  }
-  if (!source.isAtEnd()) failAt(source, source.Tell(), "the character NUL has no place here");
 }
 
 }  // namespace
@@ -290,7 +217,7 @@ Event readEvent(JsonSource& source, const CompileSource* compileSource) {
   Receiver receiver(Form::event, source, compileSource);
   read(source, receiver);
   if (!receiver.hasCommand()) {
-    failAt(source, source.Tell(), "the event does not name its “command”");
+    failAt(source, source.offset(), "the event does not name its “command”");
   }
   return receiver.takeEvent();
 }

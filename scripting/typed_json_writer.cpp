@@ -1,7 +1,5 @@
 #include "scripting/typed_json_writer.h"
 
-#include <rapidjson/writer.h>
-
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -18,7 +16,6 @@
 #include "foundation/long_date_time.h"
 #include "foundation/text_encoding.h"
 #include "foundation/url.h"
-#include "scripting/json_encodings.h"
 #include "values/fetching.h"
 #include "values/keys.h"
 #include "values/value.h"
@@ -28,27 +25,6 @@ namespace skerrow::scripting {
 using namespace literals;
 
 namespace {
-
-// Gathers what the JSON library writes into pieces worth handing on.
-class Pieces {
- public:
-  using Ch = char;
-
-  explicit Pieces(const JsonSink& sink) : sink_(sink) {}
-
-  void Put(char character) {
-    if (used_ == piece_.size()) Flush();
-    piece_[used_++] = character;
-  }
-  void Flush() { sink_({piece_.data(), std::exchange(used_, 0)}); }
-
- private:
-  const JsonSink& sink_;
-  std::size_t used_ = 0;
-  std::array<char, 16 * 1024> piece_;  // not cleared: most answers are short
-};
-
-using Writer = rapidjson::Writer<Pieces, JsonUtf16, JsonUtf8>;
 
 // A record's user fields, if they are what an object can show: labels that are
 // text and no keyword, each with its value.
@@ -98,7 +74,9 @@ bool areFieldsOfForm(std::span<const ScriptField> fields) {
 
 class ValueWriter {
  public:
-  explicit ValueWriter(Pieces& pieces) : writer_(pieces) {}
+  explicit ValueWriter(const JsonSink& sink) : writer_(sink) {}
+
+  void flush() { writer_.flush(); }
 
   // Lists and records call each other as deep as values go, so what they share a
   // stack frame with is kept small.
@@ -113,58 +91,48 @@ class ValueWriter {
   }
 
   void writeError(const core::ScriptError& error) {
-    writer_.StartObject();
-    key(u"error");
-    writer_.StartObject();
-    key(u"number");
-    writer_.Int(error.number());
-    key(u"message");
-    string(foundation::utf16FromUtf8Replacing(error.message()));
-    writer_.EndObject();
-    writer_.EndObject();
+    writer_.beginObject();
+    writer_.label(u"error");
+    writer_.beginObject();
+    writer_.label(u"number");
+    writeInteger(error.number());
+    writer_.label(u"message");
+    writer_.text(foundation::utf16FromUtf8Replacing(error.message()));
+    writer_.endObject();
+    writer_.endObject();
   }
 
   void writeResult(const std::optional<ScriptValue>& result) {
-    writer_.StartObject();
+    writer_.beginObject();
     if (result) {
-      key(u"result");
+      writer_.label(u"result");
       write(*result);
     }
-    writer_.EndObject();
+    writer_.endObject();
   }
 
  private:
-  void string(std::u16string_view text) {
-    const auto count = static_cast<rapidjson::SizeType>(text.size());
-    if (text.empty()) {
-      writer_.String(u"", 0);
-    } else if ((text.back() & 0xFC00) == 0xD800) {
-      // The decoder looks for the second half of a pair, so it must find an end.
-      writer_.String(std::u16string(text).c_str(), count);
-    } else {
-      writer_.String(text.data(), count);
-    }
-  }
-  void key(std::u16string_view label) { string(label); }
-
   void form(std::u16string_view label, std::u16string_view text) {
-    writer_.StartObject();
-    key(label);
-    string(text);
-    writer_.EndObject();
+    writer_.beginObject();
+    writer_.label(label);
+    writer_.text(text);
+    writer_.endObject();
   }
   void form(std::u16string_view label, std::string_view utf8) {
     form(label, foundation::utf16FromUtf8Replacing(utf8));
   }
 
-  void literal(std::string_view digits) {
-    const std::u16string units(digits.begin(), digits.end());
-    writer_.RawValue(units.data(), units.size(), rapidjson::kNumberType);
+  template <class Integer>
+  void writeInteger(Integer integer) {
+    char digits[24];
+    char* const end = std::to_chars(digits, digits + sizeof digits, integer).ptr;
+    writer_.literal({digits, end});
   }
+  void writeBoolean(bool value) { writer_.literal(value ? "true" : "false"); }
 
   [[gnu::noinline]] void writeLeaf(const ScriptValue& value) {
-    if (const auto units = value.heldUnits()) return string(*units);
-    if (const auto text = core::textFromScriptValue(value)) return string(text->view());
+    if (const auto units = value.heldUnits()) return writer_.text(*units);
+    if (const auto text = core::textFromScriptValue(value)) return writer_.text(text->view());
     if (const auto number = core::numberFromScriptValue(value)) return writeNumber(*number);
     if (!writeOther(value)) writeRaw(value);
   }
@@ -172,16 +140,13 @@ class ValueWriter {
   void writeNumber(Number number) {
     switch (number.kind()) {
       case NumberKind::boolean:
-        writer_.Bool(number.isNonZero());
-        return;
+        return writeBoolean(number.isNonZero());
       case NumberKind::unsigned64:
-        writer_.Uint64(number.asUnsigned());
-        return;
+        return writeInteger(number.asUnsigned());
       case NumberKind::real:
-        writeReal(number.asReal());
-        return;
+        return writeReal(number.asReal());
       default:
-        writer_.Int64(number.asInteger());
+        return writeInteger(number.asInteger());
     }
   }
 
@@ -200,13 +165,13 @@ class ValueWriter {
       *end++ = '.';
       *end++ = '0';
     }
-    literal({digits, static_cast<std::size_t>(end - digits)});
+    writer_.literal({digits, end});
   }
 
   void writeList(const ScriptValue& list) {
-    writer_.StartArray();
+    writer_.beginArray();
     forEachFetched(list.items(), [this](const ScriptValue& item) { write(item); });
-    writer_.EndArray();
+    writer_.endArray();
   }
 
   void writeRecord(const ScriptValue& record) {
@@ -217,7 +182,7 @@ class ValueWriter {
     const bool isWrapped = areLabelsOfForm(*labels);
     begin(isWrapped);
     for (std::size_t i = 0; i < labels->count(); ++i) {
-      key((*labels)[i].text());
+      writer_.label((*labels)[i].text());
       write(record.labelledValues()[i]);
     }
     end(isWrapped);
@@ -236,15 +201,15 @@ class ValueWriter {
   // taken for a special form.
   void begin(bool isWrapped) {
     if (isWrapped) {
-      writer_.StartObject();
-      key(u"$record");
+      writer_.beginObject();
+      writer_.label(u"$record");
     }
-    writer_.StartObject();
+    writer_.beginObject();
   }
 
   void end(bool isWrapped) {
-    writer_.EndObject();
-    if (isWrapped) writer_.EndObject();
+    writer_.endObject();
+    if (isWrapped) writer_.endObject();
   }
 
   void writeField(const ScriptField& field) {
@@ -264,26 +229,30 @@ class ValueWriter {
     form(u"$type", foundation::textFromCode(type));
   }
   [[gnu::noinline]] void writeKeyword(FourCharCode keyword) {
-    key(foundation::keyFromKeyword(keyword));
+    writer_.label(foundation::keyFromKeyword(keyword));
   }
   [[gnu::noinline]] void writeLabel(const ScriptValue& label) {
-    key(core::textFromScriptValue(label)->view());
+    writer_.label(core::textFromScriptValue(label)->view());
   }
 
   // The types that have a form of their own; false when this value is not in it.
   bool writeOther(const ScriptValue& value) {
     switch (number(value.type())) {
       case number("msng"_code):
-        return writer_.Null();
+        writer_.literal("null");
+        return true;
       case number("null"_code):
-        writer_.StartObject();
-        key(u"$null");
-        writer_.Bool(true);
-        writer_.EndObject();
+        writer_.beginObject();
+        writer_.label(u"$null");
+        writeBoolean(true);
+        writer_.endObject();
         return true;
       case number("type"_code):
-        if (value.isMissingValue()) return writer_.Null();
         if (!value.namedCode()) return false;
+        if (value.isMissingValue()) {
+          writer_.literal("null");
+          return true;
+        }
         form(u"$type", foundation::textFromCode(*value.namedCode()));
         return true;
       case number("enum"_code):
@@ -327,10 +296,10 @@ class ValueWriter {
     if (const auto date = foundation::iso8601FromLongDateTime(*seconds)) {
       form(u"$date", *date);
     } else {
-      writer_.StartObject();
-      key(u"$ldt");
-      writer_.Int64(*seconds);
-      writer_.EndObject();
+      writer_.beginObject();
+      writer_.label(u"$ldt");
+      writeInteger(*seconds);
+      writer_.endObject();
     }
     return true;
   }
@@ -354,23 +323,22 @@ class ValueWriter {
   }
 
   void writeRaw(const ScriptValue& value) {
-    writer_.StartObject();
-    key(u"$raw");
-    string(foundation::textFromCode(value.type()));
-    key(u"data");
-    string(foundation::utf16FromUtf8Replacing(foundation::base64FromBytes(value.payload())));
-    writer_.EndObject();
+    writer_.beginObject();
+    writer_.label(u"$raw");
+    writer_.text(foundation::textFromCode(value.type()));
+    writer_.label(u"data");
+    writer_.text(foundation::utf16FromUtf8Replacing(foundation::base64FromBytes(value.payload())));
+    writer_.endObject();
   }
 
-  Writer writer_;
+  JsonWriter writer_;
 };
 
 template <class Write>
 void writeThrough(const JsonSink& sink, Write&& write) {
-  Pieces pieces(sink);
-  ValueWriter writer(pieces);
+  ValueWriter writer(sink);
   write(writer);
-  pieces.Flush();
+  writer.flush();
 }
 
 }  // namespace

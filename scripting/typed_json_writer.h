@@ -2,17 +2,13 @@
 // Writing typed JSON: values and replies, on one line, as they are walked.
 // Reading what was written gives a value that is written the same again.
 
-#include <functional>
 #include <string>
-#include <string_view>
 
 #include "core/command.h"
+#include "scripting/json_writer.h"
 #include "values/script_value.h"
 
 namespace skerrow::scripting {
-
-/// Takes the text piece by piece. Many pieces are short.
-using JsonSink = std::function<void(std::string_view piece)>;
 
 void writeTypedJson(const ScriptValue& value, const JsonSink& sink);
 

@@ -21,25 +21,25 @@ TEST(JsonSource, GivesItsBytesOneByOneAndKnowsItsEnd) {
     JsonSource source = sourceInPieces("ab\nc", pieceSize);
     std::string taken;
     while (!source.isAtEnd()) {
-      EXPECT_EQ(source.Tell(), taken.size());
-      const char next = source.Peek();
-      EXPECT_EQ(source.Take(), next);
+      EXPECT_EQ(source.offset(), taken.size());
+      const char next = source.peek();
+      EXPECT_EQ(source.take(), next);
       taken += next;
     }
     EXPECT_EQ(taken, "ab\nc");
-    EXPECT_EQ(source.Peek(), '\0');
-    EXPECT_EQ(source.Take(), '\0');
-    EXPECT_EQ(source.Tell(), 4U);
+    EXPECT_EQ(source.peek(), '\0');
+    EXPECT_EQ(source.take(), '\0');
+    EXPECT_EQ(source.offset(), 4U);
   }
 }
 
 TEST(JsonSource, ANulInTheTextIsNotItsEnd) {
   JsonSource source(std::string_view("a\0b", 3));
-  source.Take();
-  EXPECT_EQ(source.Peek(), '\0');
+  source.take();
+  EXPECT_EQ(source.peek(), '\0');
   EXPECT_FALSE(source.isAtEnd());
-  source.Take();
-  EXPECT_EQ(source.Take(), 'b');
+  source.take();
+  EXPECT_EQ(source.take(), 'b');
   EXPECT_TRUE(source.isAtEnd());
 }
 
@@ -81,7 +81,7 @@ TEST(JsonSource, KnowsTheLineAndColumnOfEveryCharacter) {
   for (const std::size_t pieceSize : {1U, 2U, 5U, 100U}) {
     JsonSource source = sourceInPieces(text, pieceSize);
     for (const auto& [offset, place] : places) {
-      while (source.Tell() < offset) source.Take();
+      while (source.offset() < offset) source.take();
       EXPECT_EQ(source.currentPlace(), place) << offset << " in pieces of " << pieceSize;
     }
   }
@@ -180,7 +180,7 @@ std::vector<std::string> linesOf(JsonSource source) {
   std::vector<std::string> lines;
   while (source.beginLine()) {
     std::string line;
-    while (!source.isAtEnd()) line += source.Take();
+    while (!source.isAtEnd()) line += source.take();
     lines.push_back(line);
   }
   return lines;
@@ -220,12 +220,12 @@ TEST(JsonSource, ALineThatWasNotTakenToItsEndIsSkipped) {
   for (const std::size_t pieceSize : {1U, 4U, 100U}) {
     JsonSource source = sourceInPieces("first line\nsecond\nthird", pieceSize);
     ASSERT_TRUE(source.beginLine());
-    EXPECT_EQ(source.Take(), 'f');
+    EXPECT_EQ(source.take(), 'f');
     ASSERT_TRUE(source.beginLine());
-    EXPECT_EQ(source.Take(), 's');
+    EXPECT_EQ(source.take(), 's');
     EXPECT_EQ(source.currentPlace(), "line 2, column 2");
     ASSERT_TRUE(source.beginLine());
-    EXPECT_EQ(source.Take(), 't');
+    EXPECT_EQ(source.take(), 't');
     EXPECT_FALSE(source.beginLine());
     EXPECT_FALSE(source.beginLine());
   }
