@@ -97,7 +97,8 @@ class Receiver {
   // Text services count units in 31 bits, and some make several of one.
   static void requireShort(std::u16string_view units) {
     constexpr std::size_t kMostUnits = 0x3FFFFFFF;
-    if (units.size() > kMostUnits) throw JsonError("the text has more than 1073741823 characters");
+    if (units.size() > kMostUnits)
+      throw JsonError("the text has more than 1073741823 UTF-16 units");
   }
 
   void requireValuePlace() const {

@@ -2,6 +2,8 @@
 
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
 #include <limits>
 #include <string>
 #include <vector>
@@ -9,6 +11,7 @@
 #include "scripting/typed_json_reader.h"
 #include "tests/scripting/json_outcome.h"
 #include "tests/support/building.h"
+#include "tests/support/generators.h"
 #include "values/depth.h"
 
 namespace skerrow::scripting {
@@ -85,6 +88,24 @@ TEST(ReadTypedJson, IntegersTakeTheSmallestTypeAndOtherNumbersAreReals) {
       {"2.2250738585072011e-308", ScriptValue::real(2.2250738585072011e-308)},
       {"5e-324", ScriptValue::real(5e-324)},
       {"1e-400", ScriptValue::real(0)},
+      {"-1e-400", ScriptValue::real(-0.0)},
+      // Around the smallest and the largest real, and where digits and exponent balance.
+      {"1.2345678901234567e-340", ScriptValue::real(0)},
+      {"1e-325", ScriptValue::real(0)},
+      {"2.47e-324", ScriptValue::real(0)},
+      {"2.4703282292062327e-324", ScriptValue::real(0)},
+      {"2.4703282292062328e-324", ScriptValue::real(5e-324)},
+      {"1.7976931348623158e308", ScriptValue::real(1.7976931348623157e308)},
+      {"0." + std::string(352, '0'), ScriptValue::real(0)},
+      {"0." + std::string(350, '0') + "1", ScriptValue::real(0)},
+      {std::string(310, '4') + "e-308", ScriptValue::real(44.44444444444444)},
+      {"0." + std::string(400, '0') + "1e401", ScriptValue::real(1)},
+      {"1" + std::string(400, '0') + "e-400", ScriptValue::real(1)},
+      {"0e309", ScriptValue::real(0)},
+      {"-0.0e400", ScriptValue::real(-0.0)},
+      {"1e-99999999999999999999", ScriptValue::real(0)},
+      {"0.30000000000000004440892098500626161694526672363281250001",
+       ScriptValue::real(0x1.3333333333334p-2)},
       {"0e300", ScriptValue::real(0)},
       {"-0.0", ScriptValue::real(-0.0)},
       {"0.0e5", ScriptValue::real(0)},
@@ -95,6 +116,23 @@ TEST(ReadTypedJson, IntegersTakeTheSmallestTypeAndOtherNumbersAreReals) {
       {R"({"$real": "-inf"})", ScriptValue::real(-HUGE_VAL)},
       {R"({"$real": "nan"})", ScriptValue::real(std::numeric_limits<double>::quiet_NaN())},
   });
+}
+
+// The C library rounds correctly, too.
+RC_GTEST_PROP(ReadTypedJson, RealsAreTheNearestToWhatIsWritten, ()) {
+  const double real = *tests::anyReal();
+  const int digits = *rc::gen::inRange(0, 40);
+  const int exponent = *rc::gen::inRange(-30, 30);
+  RC_PRE(std::isfinite(real));
+  char text[512];
+  std::snprintf(text, sizeof text, "%.*e", digits, real);
+  std::string json = text;
+  const std::size_t at = json.find('e');
+  const int shifted = std::stoi(json.substr(at + 1)) + exponent;
+  json.replace(at + 1, std::string::npos, std::to_string(shifted));
+  const double expected = std::strtod(json.c_str(), nullptr);
+  RC_PRE(std::isfinite(expected));
+  RC_ASSERT(valueOrError(json) == described(ScriptValue::real(expected)));
 }
 
 TEST(ReadTypedJson, NumbersOfAGivenType) {
@@ -279,6 +317,11 @@ TEST(ReadTypedJson, RefusesWhatIsNoJsonAndNamesThePlace) {
       {"\"é\xF4\x90\x80\x80\"", "line 1, column 3", "UTF-8"},
       {"1e400", "line 1, column 1", "too large"},
       {"-1e400", "line 1, column 1", "too large"},
+      {"1.7976931348623159e308", "line 1, column 1", "too large"},
+      {"[0, 2e308]", "line 1, column 5", "too large"},
+      {"5e308", "line 1, column 1", "too large"},
+      {"1e+99999999999999999999", "line 1, column 1", "too large"},
+      {"[\n  1" + std::string(200000, '0') + "]", "line 2, column 3", "too large"},
       {"1" + std::string(400, '0'), "line 1, column 1", "too large"},
       {"1.", "line 1, column 3", "digit"},
       {"1e", "line 1, column 3", "digit"},
