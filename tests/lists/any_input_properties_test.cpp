@@ -185,5 +185,17 @@ RC_GTEST_PROP(ListCommands, AnswerWhateverTheyAreGiven, ()) {
   RC_ASSERT(!error->message().empty());
 }
 
+TEST(ListCommands, TakeNoRecordOfATypeThatOtherValuesHave) {
+  using namespace literals;
+  for (const FourCharCode type : {"utxt"_code, "list"_code, "long"_code, "type"_code}) {
+    tests::InProcess commands;
+    const core::Reply reply = commands.perform(
+        {"SKWAllLabelsOfRecord", ScriptValue::record(type, {{"pnam"_code, ScriptValue()}}), {}});
+    const auto* error = std::get_if<core::ScriptError>(&reply);
+    ASSERT_NE(error, nullptr);
+    EXPECT_EQ(error->number(), -1700) << error->message();
+  }
+}
+
 }  // namespace
 }  // namespace skerrow::lists
