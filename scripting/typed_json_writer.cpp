@@ -68,6 +68,7 @@ bool areFieldsOfForm(std::span<const ScriptField> fields) {
     }
   }
   std::vector<std::u16string_view> views;
+  views.reserve(labels.size());
   for (const Text& label : labels) views.push_back(label.view());
   return areLabelsOfForm(views);
 }
