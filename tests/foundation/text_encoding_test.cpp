@@ -116,6 +116,26 @@ TEST(Utf8, ReadsEveryWellFormedSequenceAndWritesItBack) {
   }
 }
 
+TEST(Utf8, IsReadAndWrittenCharacterByCharacterToo) {
+  for (const char32_t first : {U'\0', U'\x7F', U'\u0080', U'\u07FF', U'\u0800', U'\uD7FF',
+                               U'\uE000', U'\uFFFF', U'\U00010000', U'\U0010FFFF'}) {
+    char bytes[4];
+    const std::size_t count = encodeUtf8(first, bytes);
+    const std::string text(bytes, count);
+    const auto read = codePointFromUtf8(text + "more");
+    ASSERT_TRUE(read.has_value()) << inHexadecimal(text);
+    EXPECT_EQ(read->value, first);
+    EXPECT_EQ(read->unitCount, count);
+    std::u16string units;
+    appendCodePoint(units, first);
+    EXPECT_EQ(inHexadecimal(text), inHexadecimal(utf8FromUtf16(units)));
+    EXPECT_FALSE(codePointFromUtf8(text.substr(0, count - 1)).has_value());
+  }
+  for (const char* ill : {"\x80", "\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xE2\x82z"}) {
+    EXPECT_FALSE(codePointFromUtf8(ill).has_value()) << inHexadecimal(ill);
+  }
+}
+
 // What stands for each maximal ill-formed subsequence is U+FFFD.
 TEST(Utf8, RefusesWhatIsIllFormedAndReplacesItWhereAsked) {
   const Utf8Row rows[] = {

@@ -300,6 +300,15 @@ TEST(WriteTypedJson, IsTheSameInHoweverManyPiecesItIsHandedOver) {
   EXPECT_EQ(text, expected + "]");
 }
 
+// What has several bytes may come where a piece ends.
+TEST(WriteTypedJson, TextsMayEndAPieceAnywhere) {
+  for (std::size_t count = 16 * 1024 - 40; count < 16 * 1024 + 10; ++count) {
+    const std::u16string units = std::u16string(count, u'x') + u"\u0001é🏔\"漢\\" + u'\xD800';
+    const std::string expected = "\"" + std::string(count, 'x') + R"(\u0001é🏔\"漢\\\uD800")";
+    EXPECT_EQ(typedJson(scriptText(units)), expected) << count;
+  }
+}
+
 TEST(WriteTypedJson, AsDeepAsValuesGo) {
   ScriptValue list = ScriptValue::integer32(1);
   ScriptValue record = list;
