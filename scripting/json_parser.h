@@ -27,9 +27,9 @@
 
 namespace skerrow::scripting {
 
-/// What is wrong with a JSON text, in words for a person, and at which byte.
+/// What is wrong with a JSON text, and where, in words for a person.
 struct JsonFault {
-  std::size_t offset;
+  std::string place;
   const char* problem;
 };
 
@@ -54,8 +54,8 @@ class JsonParser {
       "a control character in a text must be written as an escape";
 
   [[noreturn]] void fail(const char* problem) { fail(source_.offset(), problem); }
-  [[noreturn]] static void fail(std::size_t offset, const char* problem) {
-    throw JsonFault{offset, problem};
+  [[noreturn]] void fail(std::size_t offset, const char* problem) {
+    throw JsonFault{source_.placeOf(offset), problem};
   }
 
   void skipSpace() {
@@ -268,7 +268,7 @@ class JsonParser {
   }
 
   void anyNumber() {
-    const std::size_t begin = source_.offset();
+    source_.mark(source_.offset());
     number_.clear();
     if (source_.peek() == '-') number_ += source_.take();
     if (!isDigit(source_.peek())) fail("a value was expected here");
@@ -296,7 +296,7 @@ class JsonParser {
       return;
     }
     const double real = foundation::nearestReal(number_);
-    if (std::isinf(real)) fail(begin, "the number is too large");
+    if (std::isinf(real)) throw JsonFault{source_.placeOfMark(), "the number is too large"};
     handler_.number(Number::real(real));
   }
 

@@ -62,6 +62,10 @@ bool JsonSource::readOn() {
   constexpr std::size_t kKept = 64;
   const std::size_t dropped = position() > kKept ? position() - kKept : 0;
   const std::size_t kept = position() - dropped;
+  if (!isMarkGone_ && mark_ < offset_ + dropped) {
+    placeOfMark_ = placeOf(mark_);
+    isMarkGone_ = true;
+  }
   const std::string_view served(buffer_.data(), dropped);
   const std::size_t lastLine = startOfLastLine(served);
   if (lastLine > 0) {
@@ -108,18 +112,14 @@ void JsonSource::goOnAt(std::size_t position) {
 }
 
 std::string JsonSource::placeOf(std::size_t offset) const {
-  std::size_t line = linesBefore_ + 1;
-  std::size_t column = charactersBefore_ + 1;
-  if (offset < offset_) {
-    column -= offset_ - offset;
-  } else {
-    const std::string_view before =
-        std::string_view(buffer_).substr(0, std::min(offset - offset_, buffer_.size()));
-    const std::size_t lastLine = startOfLastLine(before);
-    line += static_cast<std::size_t>(std::ranges::count(before, '\n'));
-    column = characterCount(before.substr(lastLine)) + (lastLine == 0 ? column : 1);
-  }
-  return "line " + std::to_string(line) + ", column " + std::to_string(column);
+  const std::size_t known = offset > offset_ ? std::min(offset - offset_, buffer_.size()) : 0;
+  const std::string_view before = std::string_view(buffer_).substr(0, known);
+  const std::size_t lastLine = startOfLastLine(before);
+  const auto lineEnds = static_cast<std::size_t>(std::ranges::count(before, '\n'));
+  const std::size_t column =
+      characterCount(before.substr(lastLine)) + (lastLine == 0 ? charactersBefore_ : 0) + 1;
+  return "line " + std::to_string(linesBefore_ + lineEnds + 1) + ", column " +
+         std::to_string(column);
 }
 
 }  // namespace skerrow::scripting

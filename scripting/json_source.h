@@ -43,13 +43,22 @@ class JsonSource {
   /// Takes bytes that lie ready.
   void skip(std::size_t count) noexcept { next_ += count; }
 
-  /// How many bytes were taken.
+  /// How many bytes were taken, or passed over at the front.
   [[nodiscard]] std::size_t offset() const noexcept { return offset_ + position(); }
 
   /// "line 3, column 17" (columns count characters from 1) of a byte by its offset: one
-  /// of the last 64 that were taken, or one with nothing behind it but ASCII of its line.
+  /// of the last 64 that were taken, or the next.
   [[nodiscard]] std::string placeOf(std::size_t offset) const;
   [[nodiscard]] std::string currentPlace() const { return placeOf(offset()); }
+
+  /// Remembers such a byte, however much is taken after it.
+  void mark(std::size_t offset) noexcept {
+    mark_ = offset;
+    isMarkGone_ = false;
+  }
+  [[nodiscard]] std::string placeOfMark() const {
+    return isMarkGone_ ? placeOfMark_ : placeOf(mark_);
+  }
 
  private:
   [[nodiscard]] std::size_t position() const noexcept {
@@ -71,6 +80,9 @@ class JsonSource {
   bool isAtLineEnd_ = false;
   std::size_t linesBefore_ = 0;       // line ends before the buffer
   std::size_t charactersBefore_ = 0;  // of the line on which the buffer begins
+  std::size_t mark_ = 0;
+  bool isMarkGone_ = false;  // from the buffer, so its place is kept
+  std::string placeOfMark_;
 };
 
 }  // namespace skerrow::scripting

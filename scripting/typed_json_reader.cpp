@@ -23,7 +23,7 @@ std::string quoted(const std::string& text) { return "“" + text + "”"; }
 // Receives what the parser finds.
 class Receiver {
  public:
-  Receiver(Form form, const JsonSource& source, const CompileSource* compileSource)
+  Receiver(Form form, JsonSource& source, const CompileSource* compileSource)
       : source_(source),
         builder_(compileSource),
         place_(form == Form::value ? Place::value : Place::outside),
@@ -43,7 +43,7 @@ class Receiver {
     leaf([this, units] { builder_.addText(units); });
   }
   void beginArray() {
-    lastToken_ = source_.offset();
+    markToken();
     requireValuePlace();
     builder_.beginArray();
   }
@@ -52,7 +52,7 @@ class Receiver {
     finishValue();
   }
   void beginObject() {
-    lastToken_ = source_.offset();
+    markToken();
     if (!builder_.isInside()) {
       if (place_ == Place::outside) {
         place_ = form_ == Form::event ? Place::event : Place::arguments;
@@ -67,7 +67,7 @@ class Receiver {
     builder_.beginObject();
   }
   void label(std::u16string_view units) {
-    lastToken_ = source_.offset();
+    markToken();
     requireShort(units);
     if (builder_.isInside()) {
       builder_.addLabel(units);
@@ -87,12 +87,14 @@ class Receiver {
 
   ScriptValue takeValue() { return std::move(value_); }
   Event takeEvent() { return std::move(event_); }
-  /// Where the token ends that was received last, but for closing brackets.
-  [[nodiscard]] std::size_t lastPlace() const { return lastToken_ - 1; }
   [[nodiscard]] bool hasCommand() const { return !event_.command.empty(); }
 
  private:
   enum class Place { value, outside, event, arguments };
+
+  // What is wrong with a value shows at the end of a token, or at a closing bracket, which
+  // is no place to look for it.
+  void markToken() { source_.mark(source_.offset() - 1); }
 
   // Text services count units in 31 bits, and some make several of one.
   static void requireShort(std::u16string_view units) {
@@ -115,7 +117,7 @@ class Receiver {
 
   template <class Add>
   void leaf(Add&& add) {
-    lastToken_ = source_.offset();
+    markToken();
     requireValuePlace();
     add();
     finishValue();
@@ -172,8 +174,7 @@ class Receiver {
     if (!isKnown) throw JsonError("an event has no member " + quoted(key_));
   }
 
-  const JsonSource& source_;
-  std::size_t lastToken_ = 1;
+  JsonSource& source_;
   TypedJsonBuilder builder_;
   Place place_;
   Form form_;
@@ -182,21 +183,21 @@ class Receiver {
   Event event_;
 };
 
-[[noreturn]] void failAt(const JsonSource& source, std::size_t offset, const std::string& problem) {
-  throw JsonError(source.placeOf(offset) + ": " + problem);
+[[noreturn]] void failAt(const std::string& place, const std::string& problem) {
+  throw JsonError(place + ": " + problem);
 }
 
 void read(JsonSource& source, Receiver& receiver) {
   try {
     JsonParser(source, receiver).parse();
   } catch (const JsonFault& fault) {
-    failAt(source, fault.offset, fault.problem);
+    failAt(fault.place, fault.problem);
   } catch (const NestingTooDeep& tooDeep) {
     std::string_view problem = tooDeep.what();
     problem.remove_suffix(1);  // its full stop comes where the whole message ends
-    failAt(source, receiver.lastPlace(), std::string(problem));
+    failAt(source.placeOfMark(), std::string(problem));
   } catch (const JsonError& error) {
-    failAt(source, receiver.lastPlace(), error.what());
+    failAt(source.placeOfMark(), error.what());
   }
 }
 
@@ -218,7 +219,7 @@ Event readEvent(JsonSource& source, const CompileSource* compileSource) {
   Receiver receiver(Form::event, source, compileSource);
   read(source, receiver);
   if (!receiver.hasCommand()) {
-    failAt(source, source.offset(), "the event does not name its “command”");
+    failAt(source.currentPlace(), "the event does not name its “command”");
   }
   return receiver.takeEvent();
 }
