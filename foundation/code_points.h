@@ -28,14 +28,21 @@ constexpr CodePoint codePointAt(std::u16string_view text, std::size_t position) 
   return {unit, 1};
 }
 
+/// Writes the one or two units of a code point, which must not be above U+10FFFF; how many.
+constexpr std::size_t encodeUtf16(char32_t codePoint, char16_t* units) {
+  if (codePoint < 0x10000) {
+    units[0] = static_cast<char16_t>(codePoint);
+    return 1;
+  }
+  units[0] = static_cast<char16_t>(0xD7C0 + (codePoint >> 10U));
+  units[1] = static_cast<char16_t>(0xDC00 + (codePoint & 0x3FFU));
+  return 2;
+}
+
 /// Appends a code point, which must not be above U+10FFFF.
 constexpr void appendCodePoint(std::u16string& text, char32_t codePoint) {
-  if (codePoint < 0x10000) {
-    text += static_cast<char16_t>(codePoint);
-    return;
-  }
-  text += static_cast<char16_t>(0xD7C0 + (codePoint >> 10U));
-  text += static_cast<char16_t>(0xDC00 + (codePoint & 0x3FFU));
+  char16_t units[2] = {};
+  text.append(units, encodeUtf16(codePoint, units));
 }
 
 /// The value of a hexadecimal digit, or nothing.

@@ -65,16 +65,6 @@ Decoded decodeMultibyte(const unsigned char* bytes, std::size_t available) {
   return {character, length, true};
 }
 
-char16_t* appendCharacter(char16_t* out, char32_t character) {
-  if (character < 0x10000) {
-    *out++ = static_cast<char16_t>(character);
-    return out;
-  }
-  *out++ = static_cast<char16_t>(0xD7C0 + (character >> 10U));
-  *out++ = static_cast<char16_t>(0xDC00 + (character & 0x3FFU));
-  return out;
-}
-
 // Copies ASCII eight bytes at a time; stops at the first byte that is none.
 const unsigned char* copyAscii(const unsigned char* bytes, const unsigned char* end,
                                char16_t*& out) {
@@ -99,7 +89,7 @@ bool decodeUtf8(std::string_view utf8, bool replacing, std::u16string& text) {
   while ((bytes = copyAscii(bytes, end, out)) != end) {
     const Decoded next = decodeMultibyte(bytes, static_cast<std::size_t>(end - bytes));
     if (!next.isWellFormed && !replacing) return false;
-    out = appendCharacter(out, next.isWellFormed ? next.character : kReplacement);
+    out += encodeUtf16(next.isWellFormed ? next.character : kReplacement, out);
     bytes += next.length;
   }
   text.resize(static_cast<std::size_t>(out - text.data()));

@@ -68,7 +68,7 @@ class JsonParser {
 
   bool takeIf(char wanted) {
     if (source_.peek() != wanted) return false;
-    source_.take();
+    source_.skip(1);
     return true;
   }
 
@@ -101,7 +101,7 @@ class JsonParser {
   }
 
   void array() {
-    source_.take();
+    source_.skip(1);
     handler_.beginArray();
     skipSpace();
     if (takeIf(']')) return handler_.endArray();
@@ -115,7 +115,7 @@ class JsonParser {
   }
 
   void object() {
-    source_.take();
+    source_.skip(1);
     handler_.beginObject();
     skipSpace();
     if (takeIf('}')) return handler_.endObject();
@@ -134,14 +134,14 @@ class JsonParser {
   }
 
   std::u16string_view string() {
-    source_.take();
-    text_.clear();
+    source_.skip(1);
+    used_ = 0;
     for (;;) {
       takePlain();
       const char next = source_.peek();
       if (next == '"') {
         source_.skip(1);
-        return text_;
+        return {text_.data(), used_};
       }
       if (next == '\\') {
         escape();
@@ -158,11 +158,20 @@ class JsonParser {
   void takePlain() {
     const std::string_view ready = source_.ready(1);
     const std::size_t count = plainCount(ready);
-    const std::size_t before = text_.size();
-    text_.resize(before + count);
-    char16_t* const units = text_.data() + before;
+    char16_t* const units = roomFor(count);
     for (std::size_t i = 0; i < count; ++i) units[i] = static_cast<unsigned char>(ready[i]);
+    used_ += count;
     source_.skip(count);
+  }
+
+  char16_t* roomFor(std::size_t count) {
+    if (text_.size() - used_ < count) text_.resize(2 * text_.size() + count);
+    return text_.data() + used_;
+  }
+
+  void append(char16_t unit) {
+    *roomFor(1) = unit;
+    ++used_;
   }
 
   // How many bytes at the front stand for themselves: ASCII but for control characters,
@@ -194,7 +203,7 @@ class JsonParser {
     do {
       const auto character = foundation::codePointFromUtf8(ready);
       if (!character) fail("the text is not valid UTF-8");
-      foundation::appendCodePoint(text_, character->value);
+      used_ += foundation::encodeUtf16(character->value, roomFor(2));
       source_.skip(character->unitCount);
       ready.remove_prefix(character->unitCount);
     } while (ready.size() >= kLongest && static_cast<unsigned char>(ready.front()) >= 0x80);
@@ -208,22 +217,22 @@ class JsonParser {
       case '"':
       case '\\':
       case '/':
-        text_ += static_cast<char16_t>(escaped);
+        append(static_cast<char16_t>(escaped));
         break;
       case 'b':
-        text_ += u'\b';
+        append(u'\b');
         break;
       case 'f':
-        text_ += u'\f';
+        append(u'\f');
         break;
       case 'n':
-        text_ += u'\n';
+        append(u'\n');
         break;
       case 'r':
-        text_ += u'\r';
+        append(u'\r');
         break;
       case 't':
-        text_ += u'\t';
+        append(u'\t');
         break;
       case 'u':
         source_.take();
@@ -245,7 +254,7 @@ class JsonParser {
       source_.take();
       spelled = spelled << 4U | *value;
     }
-    text_ += static_cast<char16_t>(spelled);
+    append(static_cast<char16_t>(spelled));
   }
 
   static bool isDigit(char character) { return character >= '0' && character <= '9'; }
@@ -316,7 +325,8 @@ class JsonParser {
 
   JsonSource& source_;
   Handler& handler_;
-  std::u16string text_;
+  std::u16string text_;  // room for the units of a text
+  std::size_t used_ = 0;
   std::string number_;
 };
 

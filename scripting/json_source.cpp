@@ -55,6 +55,13 @@ bool JsonSource::beginLine() {
   return !isAtEnd() || isAtLineEnd_;
 }
 
+bool JsonSource::readOn(std::size_t count) {
+  while (static_cast<std::size_t>(end_ - next_) < count) {
+    if (!readOn()) return false;
+  }
+  return true;
+}
+
 bool JsonSource::readOn() {
   if (isExhausted_ || isAtLineEnd_) return false;
   // Everything before the next byte has served; its lines and characters are counted.

@@ -27,7 +27,7 @@ class JsonSource {
   bool beginLine();
 
   /// Whether everything up to the end (of the line) was taken.
-  bool isAtEnd() { return next_ == end_ && ready(1).empty(); }
+  bool isAtEnd() { return next_ == end_ && !readOn(1); }
 
   /// The next byte, and NUL at the end; whether it is the end, isAtEnd tells.
   char peek() { return next_ != end_ || !isAtEnd() ? *next_ : '\0'; }
@@ -36,8 +36,7 @@ class JsonSource {
 
   /// What lies ready to be taken: so many bytes or more, unless the end is nearer.
   std::string_view ready(std::size_t count) {
-    while (static_cast<std::size_t>(end_ - next_) < count && readOn()) {
-    }
+    if (static_cast<std::size_t>(end_ - next_) < count) readOn(count);
     return {next_, end_};
   }
   /// Takes bytes that lie ready.
@@ -64,6 +63,8 @@ class JsonSource {
   [[nodiscard]] std::size_t position() const noexcept {
     return static_cast<std::size_t>(next_ - buffer_.data());
   }
+  // Until so many bytes lie ready, if the end is not nearer: false then.
+  bool readOn(std::size_t count);
   bool readOn();
   void readPiece();
   void passByteOrderMark();
