@@ -15,7 +15,6 @@
 #include "foundation/text_encoding.h"
 #include "foundation/url.h"
 #include "values/depth.h"
-#include "values/hash.h"
 
 namespace skerrow::scripting {
 
@@ -180,8 +179,14 @@ void TypedJsonBuilder::beginObject() { open(true); }
 void TypedJsonBuilder::addLabel(std::u16string_view label) {
   labels_.push(label);
   Frame& frame = frames_.back();
-  frame.labelHash = mixedHash(frame.labelHash, hashOfUnits(label));
   frame.hasFormLabel = frame.hasFormLabel || label.starts_with(u'$');
+  // A hash at a glance: where it is the same for different labels, they are not shared.
+  std::size_t glance = label.size();
+  if (!label.empty()) {
+    glance += std::size_t{label.front()} << 16U | std::size_t{label[label.size() / 2]} << 32U |
+              std::size_t{label.back()} << 48U;
+  }
+  frame.labelHash = (frame.labelHash ^ glance) * 0x9E3779B97F4A7C15ULL;
 }
 
 void TypedJsonBuilder::open(bool isObject) {
@@ -217,7 +222,7 @@ void TypedJsonBuilder::close(const Frame& frame, ScriptValue value) {
 
 // The labels of an object, if all are those of user fields and none is there twice.
 const Keys* TypedJsonBuilder::userLabelsOf(const Frame& frame) {
-  KnownKeys& known = knownKeys_[frame.labelHash % knownKeys_.size()];
+  KnownKeys& known = knownKeys_[(frame.labelHash >> 32U) % knownKeys_.size()];
   if (known.hash == frame.labelHash && labels_.are(known.keys.all(), frame.firstLabel)) {
     return &known.keys;
   }

@@ -81,8 +81,10 @@ class TypedJsonBuilder {
   class LabelStack {
    public:
     void push(std::u16string_view label) {
-      units_ += label;
-      ends_.push_back(units_.size());
+      const std::size_t begin = startOf(ends_.size());
+      if (units_.size() - begin < label.size()) units_.resize(2 * units_.size() + label.size());
+      label.copy(units_.data() + begin, label.size());
+      ends_.push_back(begin + label.size());
     }
     [[nodiscard]] std::size_t count() const noexcept { return ends_.size(); }
     /// Valid until the next change.
@@ -99,8 +101,7 @@ class TypedJsonBuilder {
     }
     /// Drops all but so many.
     void cut(std::size_t count) noexcept {
-      units_.resize(startOf(count));
-      ends_.resize(count);
+      while (ends_.size() > count) ends_.pop_back();
     }
 
    private:
@@ -108,7 +109,7 @@ class TypedJsonBuilder {
       return i == 0 ? 0 : ends_[i - 1];
     }
 
-    std::u16string units_;
+    std::u16string units_;  // room for them
     std::vector<std::size_t> ends_;
   };
 
