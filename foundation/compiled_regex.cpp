@@ -1,6 +1,8 @@
 #include "foundation/compiled_regex.h"
 
 #include <unicode/uregex.h>
+#include <unicode/utext.h>
+#include <unicode/utf16.h>
 
 #include <algorithm>
 #include <iterator>
@@ -40,6 +42,65 @@ UBool continueSearch(const void* context, std::int64_t /*position*/) {
       static_cast<MatchMonitor*>(const_cast<void*>(context))->mayContinueSearch());
 }
 
+// ICU's matcher for texts in one piece walks backwards by whole characters until
+// it meets the position from which it came. A position inside a surrogate pair is
+// never met: the walk leaves the text. Two things lead there: a range that begins
+// inside a pair, and a run of literals in a pattern that ends with the first half
+// of one, since runs are compared by units.
+
+bool isInsidePair(std::u16string_view text, std::size_t position) {
+  return position > 0 && position < text.size() && U16_IS_LEAD(text[position - 1]) &&
+         U16_IS_TRAIL(text[position]);
+}
+
+bool isHexDigitOfLead(char16_t unit) {
+  return std::u16string_view(u"89abAB").find(unit) != std::u16string_view::npos;
+}
+
+// Whether \uD83D, \U0000D83D or \x{D83D} stands at the backslash.
+bool isEscapedLead(std::u16string_view pattern, std::size_t backslash) {
+  constexpr std::u16string_view kKinds = u"uUx";
+  std::size_t place = backslash + 1;
+  if (place >= pattern.size() || kKinds.find(pattern[place]) == std::u16string_view::npos) {
+    return false;
+  }
+  place = pattern.find_first_not_of(u"{0", place + 1);
+  return place < pattern.size() && (pattern[place] | 0x20U) == u'd' && place + 1 < pattern.size() &&
+         isHexDigitOfLead(pattern[place + 1]);
+}
+
+// Errs on the side of true: such patterns are matched correctly too, only slower.
+bool mayMatchHalfOfPair(std::u16string_view pattern) {
+  for (std::size_t i = 0; i < pattern.size(); ++i) {
+    if (U16_IS_LEAD(pattern[i]) && !isInsidePair(pattern, i + 1)) return true;
+    if (pattern[i] == u'\\' && isEscapedLead(pattern, i)) return true;
+  }
+  return false;
+}
+
+std::int64_t nativeFromOffset(const UText* text) { return text->chunkOffset; }
+std::int32_t offsetFromNative(const UText* /*text*/, std::int64_t index) {
+  return static_cast<std::int32_t>(index);
+}
+
+// Sets a text that does not pass for one in a single piece of UTF-16, so that
+// ICU takes its other matcher, which compares whole characters everywhere.
+void setTextByCharacters(URegularExpression* regex, std::u16string_view units, UErrorCode& status) {
+  UText text = UTEXT_INITIALIZER;
+  utext_openUChars(&text, units.data(), static_cast<std::int64_t>(units.size()), &status);
+  if (U_FAILURE(status)) return;
+  static const UTextFuncs kFunctions = [&text] {
+    UTextFuncs functions = *text.pFuncs;
+    functions.mapOffsetToNative = nativeFromOffset;
+    functions.mapNativeIndexToUTF16 = offsetFromNative;
+    return functions;
+  }();
+  text.pFuncs = &kFunctions;
+  text.nativeIndexingLimit = 0;
+  uregex_setUText(regex, &text, &status);
+  utext_close(&text);
+}
+
 }  // namespace
 
 void CompiledRegex::Closer::operator()(URegularExpression* regex) const noexcept {
@@ -53,7 +114,8 @@ CompiledRegex CompiledRegex::compile(std::u16string_view pattern, std::uint32_t 
   // An empty pattern has no address of its own.
   const char16_t* const units = pattern.empty() ? u"" : pattern.data();
   CompiledRegex compiled(
-      uregex_open(units, static_cast<std::int32_t>(pattern.size()), options, &place, &status), 0);
+      uregex_open(units, static_cast<std::int32_t>(pattern.size()), options, &place, &status), 0,
+      mayMatchHalfOfPair(pattern));
   if (U_FAILURE(status)) throw RegexFault{status, u_errorName(status), positionOf(place)};
   uregex_setStackLimit(compiled.regex_.get(), kStackLimit, &status);
   compiled.groupCount_ = uregex_groupCount(compiled.regex_.get(), &status);
@@ -63,7 +125,7 @@ CompiledRegex CompiledRegex::compile(std::u16string_view pattern, std::uint32_t 
 
 CompiledRegex CompiledRegex::clone() const {
   UErrorCode status = U_ZERO_ERROR;
-  CompiledRegex copy(uregex_clone(regex_.get(), &status), groupCount_);
+  CompiledRegex copy(uregex_clone(regex_.get(), &status), groupCount_, mayMatchHalves_);
   uregex_setStackLimit(copy.regex_.get(), kStackLimit, &status);
   check(status);
   return copy;
@@ -78,17 +140,30 @@ std::optional<std::int32_t> CompiledRegex::groupNumber(std::u16string_view name)
 }
 
 void CompiledRegex::setSubject(std::u16string_view subject, UnitRange range) {
-  UErrorCode status = U_ZERO_ERROR;
-  const char16_t* const units = subject.empty() ? u"" : subject.data();
-  uregex_setText(regex_.get(), units, static_cast<std::int32_t>(subject.size()), &status);
-  check(status);
+  // An empty text has no address of its own.
+  subject_ = subject.empty() ? u"" : subject;
+  show(0);
   restart(range);
 }
 
-void CompiledRegex::restart(UnitRange range) {
+void CompiledRegex::show(std::size_t base) {
   UErrorCode status = U_ZERO_ERROR;
-  uregex_setRegion(regex_.get(), static_cast<std::int32_t>(range.location),
-                   static_cast<std::int32_t>(range.end()), &status);
+  const std::u16string_view units = subject_.substr(base);
+  if (mayMatchHalves_) {
+    setTextByCharacters(regex_.get(), units, status);
+  } else {
+    uregex_setText(regex_.get(), units.data(), static_cast<std::int32_t>(units.size()), &status);
+  }
+  check(status);
+  base_ = base;
+}
+
+void CompiledRegex::restart(UnitRange range) {
+  const std::size_t base = isInsidePair(subject_, range.location) ? range.location : 0;
+  if (base != base_) show(base);
+  UErrorCode status = U_ZERO_ERROR;
+  uregex_setRegion(regex_.get(), static_cast<std::int32_t>(range.location - base),
+                   static_cast<std::int32_t>(range.end() - base), &status);
   check(status);
 }
 
@@ -124,7 +199,7 @@ UnitRange CompiledRegex::group(std::int32_t number) const {
   const std::int32_t end = uregex_end(regex_.get(), number, &status);
   check(status);
   if (start < 0) return UnitRange::notFound();
-  return {static_cast<std::size_t>(start), static_cast<std::size_t>(end - start)};
+  return {base_ + static_cast<std::size_t>(start), static_cast<std::size_t>(end - start)};
 }
 
 void CompiledRegex::shrink() {

@@ -54,7 +54,8 @@ class CompiledRegex {
   [[nodiscard]] std::optional<std::int32_t> groupNumber(std::u16string_view name) const;
 
   /// What to search next. The range must lie inside the subject, the subject
-  /// must be shorter than INT_MAX units. ^ and $ match at the ends of the range.
+  /// must be shorter than INT_MAX units. ^ and $ match at the ends of the range;
+  /// a range that begins inside a surrogate pair begins with an unpaired surrogate.
   void setSubject(std::u16string_view subject, UnitRange range);
 
   /// Starts again in the subject that is set, in another or the same range of it.
@@ -83,11 +84,17 @@ class CompiledRegex {
   template <class Search>
   bool run(MatchMonitor& monitor, Search search);
 
-  CompiledRegex(URegularExpression* regex, std::int32_t groupCount)
-      : regex_(regex), groupCount_(groupCount) {}
+  CompiledRegex(URegularExpression* regex, std::int32_t groupCount, bool mayMatchHalves)
+      : regex_(regex), groupCount_(groupCount), mayMatchHalves_(mayMatchHalves) {}
+
+  // Shows ICU the subject from `base` on.
+  void show(std::size_t base);
 
   std::unique_ptr<URegularExpression, Closer> regex_;
   std::int32_t groupCount_;
+  bool mayMatchHalves_;  // of surrogate pairs, by the pattern's look
+  std::u16string_view subject_;
+  std::size_t base_ = 0;  // where in the subject the text begins that ICU sees
 };
 
 }  // namespace skerrow::foundation

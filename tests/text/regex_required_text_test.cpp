@@ -93,13 +93,14 @@ std::u16string concatenated(const std::vector<std::u16string>& parts) {
 RC_GTEST_PROP(RegexRequiredText, NeverChangesWhatTheEngineFinds, ()) {
   using Parts = std::vector<std::u16string>;
   const auto patternPart = rc::gen::elementOf(
-      Parts{u"a",     u"b",       u"-",     u"\\-",  u"ab",     u"b-",     u"?",   u"*",
-            u"+",     u"{2}",     u"{0,1}", u"+?",   u".",      u"^",      u"$",   u"\\b",
-            u"\\w",   u"\\d",     u"[ab]",  u"[^a]", u"[[a]-]", u"[\\]a]", u"(a)", u"(?:b|-)",
-            u"(?=a)", u"(?<=b)",  u"(?!a)", u"(?m)", u"(?i)",   u"(",      u")",   u"|",
-            u"\\1",   u"\\Q-\\E", u"😀",     u"#",    u" "});
-  const auto subjectPart = rc::gen::elementOf(
-      Parts{u"a", u"A", u"b", u"-", u"ab", u"b-", u"😀", u"1", u"\n", u" ", u"#", u"]"});
+      Parts{u"a",     u"b",       u"-",     u"\\-",  u"ab",     u"b-",      u"?",      u"*",
+            u"+",     u"{2}",     u"{0,1}", u"+?",   u".",      u"^",       u"$",      u"\\b",
+            u"\\w",   u"\\d",     u"[ab]",  u"[^a]", u"[[a]-]", u"[\\]a]",  u"(a)",    u"(?:b|-)",
+            u"(?=a)", u"(?<=b)",  u"(?!a)", u"(?m)", u"(?i)",   u"(",       u")",      u"|",
+            u"\\1",   u"\\Q-\\E", u"😀",     u"#",    u" ",      u"\\ud83d", u"a\xD83D"});
+  const auto subjectPart =
+      rc::gen::elementOf(Parts{u"a", u"A", u"b", u"-", u"ab", u"b-", u"😀", u"1", u"\n", u" ", u"#",
+                               u"]", u"\xD83D", u"\xDE00"});
   const auto patterns = *rc::gen::container<std::vector<Parts>>(
       rc::gen::resize(8, rc::gen::container<Parts>(patternPart)));
   const Text subject(concatenated(*rc::gen::container<Parts>(subjectPart)));
