@@ -1,6 +1,7 @@
 // A pattern and a subject, a zero unit between them: every operation of the
-// regular-expression service answers or throws what it promises, the matches are
-// those of the engine alone, and with the pieces between them they make the subject.
+// regular-expression service answers or throws what it promises, in any range of
+// the subject; the matches are those of the engine alone, and with the pieces
+// between them they make the range.
 
 #include <algorithm>
 #include <chrono>
@@ -21,7 +22,7 @@ namespace {
 bool isWhatTheEngineFinds(const std::vector<Value>& matches, const Text& subject,
                           const Text& pattern, const text::RegexCall& call) {
   auto engine = skerrow::foundation::CompiledRegex::compile(pattern.view(), call.options);
-  engine.setSubject(subject.view(), {0, subject.unitCount()});
+  engine.setSubject(subject.view(), *call.range);
   skerrow::foundation::MatchMonitor monitor(call.watch);
   std::size_t count = 0;
   try {
@@ -35,20 +36,28 @@ bool isWhatTheEngineFinds(const std::vector<Value>& matches, const Text& subject
   return count == matches.size();
 }
 
+// Anywhere in a text of so many units.
+skerrow::foundation::UnitRange rangeFrom(std::uint8_t start, std::uint8_t end, std::size_t units) {
+  const std::size_t location = std::min<std::size_t>(start, units);
+  const std::size_t cut = std::min<std::size_t>(end, units - location);
+  return {location, units - location - cut};
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  if (size < 2) return 0;
+  if (size < 4) return 0;
   static text::RegexService regex;
   const skerrow::foundation::MatchWatch watch{.timeLimit = std::chrono::milliseconds(20)};
   const std::string bytes(reinterpret_cast<const char*>(data), size);
-  const text::RegexCall call{
+  text::RegexCall call{
       .options = static_cast<text::RegexOptions>(data[0] & 0x2FU) | ((data[1] & 1U) << 8U),
       .watch = &watch};
-  const std::u16string units = skerrow::foundation::utf16FromUtf8Replacing(bytes.substr(2));
+  const std::u16string units = skerrow::foundation::utf16FromUtf8Replacing(bytes.substr(4));
   const std::size_t border = std::min(units.find(u'\0'), units.size());
   const Text pattern(units.substr(0, border));
   const Text subject(units.substr(std::min(border + 1, units.size())));
+  call.range = rangeFrom(data[2], data[3], subject.unitCount());
   try {
     const auto matches = regex.componentsMatchedByRegex(subject, pattern, call);
     if (!isWhatTheEngineFinds(matches, subject, pattern, call)) std::abort();
@@ -60,7 +69,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       joined += matches[i].text();
       joined += pieces[i + 1].text();
     }
-    if (joined != subject.view()) std::abort();
+    if (joined != call.range->of(subject.view())) std::abort();
     const Text same = regex.stringByReplacingOccurrencesOfRegex(
         subject, pattern, Text(std::u16string_view(u"$0")), call);
     if (same != subject) std::abort();
