@@ -5,6 +5,7 @@
 #include <unicode/utf16.h>
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 
 namespace skerrow::foundation {
@@ -69,11 +70,36 @@ bool isEscapedLead(std::u16string_view pattern, std::size_t backslash) {
          isHexDigitOfLead(pattern[place + 1]);
 }
 
-// Errs on the side of true: such patterns are matched correctly too, only slower.
+// Whether brackets in the pattern are those of sets, as far as can be told easily.
+bool hasPlainSets(std::u16string_view pattern) {
+  constexpr std::array<std::u16string_view, 5> kDoubtful = {u"#", u"\\Q", u"\\c", u"[]", u"[^]"};
+  return std::ranges::none_of(kDoubtful, [&](std::u16string_view doubtful) {
+    return pattern.find(doubtful) != std::u16string_view::npos;
+  });
+}
+
+// Whether half a pair stands outside sets, which are matched by whole characters.
+// Errs on the side of true.
 bool mayMatchHalfOfPair(std::u16string_view pattern) {
+  const bool knowsSets = hasPlainSets(pattern);
+  std::size_t openSets = 0;
   for (std::size_t i = 0; i < pattern.size(); ++i) {
-    if (U16_IS_LEAD(pattern[i]) && !isInsidePair(pattern, i + 1)) return true;
-    if (pattern[i] == u'\\' && isEscapedLead(pattern, i)) return true;
+    const char16_t unit = pattern[i];
+    const bool isHalf = unit == u'\\' ? isEscapedLead(pattern, i)
+                                      : U16_IS_LEAD(unit) && !isInsidePair(pattern, i + 1);
+    if (isHalf && (openSets == 0 || !knowsSets)) return true;
+    if (unit == u'[') ++openSets;
+    if (unit == u']' && openSets > 0) --openSets;
+    const bool escapesBracket =
+        unit == u'\\' && i + 1 < pattern.size() && !U16_IS_LEAD(pattern[i + 1]);
+    if (escapesBracket) ++i;
+  }
+  return false;
+}
+
+bool hasPair(std::u16string_view text) {
+  for (std::size_t i = 1; i < text.size(); ++i) {
+    if (isInsidePair(text, i)) return true;
   }
   return false;
 }
@@ -84,7 +110,8 @@ std::int32_t offsetFromNative(const UText* /*text*/, std::int64_t index) {
 }
 
 // Sets a text that does not pass for one in a single piece of UTF-16, so that
-// ICU takes its other matcher, which compares whole characters everywhere.
+// ICU takes its other matcher, which compares whole characters everywhere. It is
+// slower, and sees no word boundary at the end of a text behind another assertion.
 void setTextByCharacters(URegularExpression* regex, std::u16string_view units, UErrorCode& status) {
   UText text = UTEXT_INITIALIZER;
   utext_openUChars(&text, units.data(), static_cast<std::int64_t>(units.size()), &status);
@@ -149,7 +176,7 @@ void CompiledRegex::setSubject(std::u16string_view subject, UnitRange range) {
 void CompiledRegex::show(std::size_t base) {
   UErrorCode status = U_ZERO_ERROR;
   const std::u16string_view units = subject_.substr(base);
-  if (mayMatchHalves_) {
+  if (mayMatchHalves_ && hasPair(units)) {
     setTextByCharacters(regex_.get(), units, status);
   } else {
     uregex_setText(regex_.get(), units.data(), static_cast<std::int32_t>(units.size()), &status);

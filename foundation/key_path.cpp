@@ -1,13 +1,11 @@
 #include "foundation/key_path.h"
 
-#include <unicode/ustring.h>
-
 #include <algorithm>
 #include <array>
 #include <utility>
 
+#include "foundation/case_mapping.h"
 #include "foundation/collection_operator.h"
-#include "foundation/icu_text.h"
 #include "foundation/number_text.h"
 #include "foundation/quoted_text.h"
 #include "values/record.h"
@@ -41,9 +39,17 @@ struct KeyPath::Failure {
   skerrow::Kind valueKind = skerrow::Kind::null;
 };
 
+struct KeyPath::Walk {
+  StepBudget& steps;
+  Failure failure;
+};
+
 namespace {
 
 constinit const Value kNull{};
+
+// What it costs to make an item of a list, beside the keys that lead to it.
+constexpr std::size_t kStepsOfItem = 16;
 
 std::string nameOf(Kind kind) {
   switch (kind) {
@@ -69,22 +75,6 @@ std::string nameOf(Kind kind) {
       break;
   }
   return "An object";
-}
-
-Value uppercase(std::u16string_view text) {
-  std::u16string result;
-  convertInto(result, text.size(), [&](char16_t* units, std::int32_t room, UErrorCode* error) {
-    return u_strToUpper(units, room, icuUnits(text), icuLength(text), "", error);
-  });
-  return Value(std::move(result));
-}
-
-Value lowercase(std::u16string_view text) {
-  std::u16string result;
-  convertInto(result, text.size(), [&](char16_t* units, std::int32_t room, UErrorCode* error) {
-    return u_strToLower(units, room, icuUnits(text), icuLength(text), "", error);
-  });
-  return Value(std::move(result));
 }
 
 // True for a text that begins with Y, y, T, t or a digit other than 0, after white
@@ -140,28 +130,27 @@ KeyPath::KeyPath(std::u16string_view path, TextKeys textKeys) : textKeys_(textKe
   }
 }
 
-Value KeyPath::valueIn(const Value& item) const {
+Value KeyPath::valueIn(const Value& item, StepBudget steps) const {
   Value room;
-  Failure failure;
-  const Value* const found = follow(0, item, room, failure);
-  if (found == nullptr) throw KeyPathError(describe(failure));
+  Walk walk{steps, {}};
+  const Value* const found = follow(0, item, room, walk);
+  if (found == nullptr) throw KeyPathError(describe(walk.failure));
   return *found;
 }
 
-const Value* KeyPath::find(const Value& item, Value& room) const {
-  Failure failure;
-  return follow(0, item, room, failure);
+const Value* KeyPath::find(const Value& item, Value& room, StepBudget& steps) const {
+  Walk walk{steps, {}};
+  return follow(0, item, room, walk);
 }
 
 // Walks the keys from one on. A record's value is found where it lies; only what
 // has to be made anew goes through `room`.
-const Value* KeyPath::follow(std::size_t index, const Value& from, Value& room,
-                             Failure& failure) const {
+const Value* KeyPath::follow(std::size_t index, const Value& from, Value& room, Walk& walk) const {
   const Value* current = &from;
   Value made;
   for (; index < keys_.size() && !current->isNull(); ++index) {
     const Key& key = keys_[index];
-    failure.index = index;
+    walk.failure.index = index;
     if (current->isRecord() && key.collectionOperator == Operator::none) {
       const Value* const found = current->record().find(key.name);
       current = found != nullptr ? found : &kNull;
@@ -169,16 +158,16 @@ const Value* KeyPath::follow(std::size_t index, const Value& from, Value& room,
     }
     // An operator takes the rest of the path, and so does every item of a list.
     if (key.collectionOperator != Operator::none) {
-      if (!apply(index, *current, made, failure)) return nullptr;
+      if (!apply(index, *current, made, walk)) return nullptr;
       index = keys_.size();
     } else if (current->isList()) {
       if (key.name.text().starts_with(u'@')) {
-        failure.kind = Failure::Kind::noOperator;
+        walk.failure.kind = Failure::Kind::noOperator;
         return nullptr;
       }
-      if (!followItems(index, *current, made, failure)) return nullptr;
+      if (!followItems(index, *current, made, walk)) return nullptr;
       index = keys_.size();
-    } else if (!lookUp(key, *current, made, failure)) {
+    } else if (!lookUp(key, *current, made, walk)) {
       return nullptr;
     }
     // What `current` lay in may go now, as its successor has been made.
@@ -189,12 +178,12 @@ const Value* KeyPath::follow(std::size_t index, const Value& from, Value& room,
 }
 
 // What the keys from one on give for every item of a list.
-bool KeyPath::followItems(std::size_t index, const Value& list, Value& into,
-                          Failure& failure) const {
+bool KeyPath::followItems(std::size_t index, const Value& list, Value& into, Walk& walk) const {
+  walk.steps.spend(list.items().size() * (kStepsOfItem + keys_.size() - index));
   std::vector<Value> found(list.items().size());
   for (std::size_t i = 0; i < found.size(); ++i) {
     Value room;
-    const Value* const value = follow(index, list.items()[i], room, failure);
+    const Value* const value = follow(index, list.items()[i], room, walk);
     if (value == nullptr) return false;
     found[i] = *value;
   }
@@ -203,7 +192,7 @@ bool KeyPath::followItems(std::size_t index, const Value& list, Value& into,
 }
 
 // The value of a key in something that is neither a record nor a list.
-bool KeyPath::lookUp(const Key& key, const Value& from, Value& into, Failure& failure) const {
+bool KeyPath::lookUp(const Key& key, const Value& from, Value& into, Walk& walk) const {
   if (key.isSelf) {
     into = from;
     return true;
@@ -211,8 +200,8 @@ bool KeyPath::lookUp(const Key& key, const Value& from, Value& into, Failure& fa
   if (textKeys_ == TextKeys::published && from.isText() && lookUpInText(key, from, into)) {
     return true;
   }
-  failure.kind = Failure::Kind::noKeys;
-  failure.valueKind = from.kind();
+  walk.failure.kind = Failure::Kind::noKeys;
+  walk.failure.valueKind = from.kind();
   return false;
 }
 
@@ -222,9 +211,9 @@ bool KeyPath::lookUpInText(const Key& key, const Value& text, Value& into) const
   if (name == u"length") {
     into = Number::signed64(static_cast<std::int64_t>(units.size()));
   } else if (name == u"uppercaseString") {
-    into = uppercase(units);
+    into = Value(uppercased(units));
   } else if (name == u"lowercaseString") {
-    into = lowercase(units);
+    into = Value(lowercased(units));
   } else if (name == u"intValue" || name == u"integerValue" || name == u"longLongValue") {
     into = Number::signed64(numberAtFront(units).asInteger());
   } else if (name == u"floatValue" || name == u"doubleValue") {
@@ -237,7 +226,7 @@ bool KeyPath::lookUpInText(const Key& key, const Value& text, Value& into) const
   return true;
 }
 
-bool KeyPath::apply(std::size_t index, const Value& from, Value& into, Failure& failure) const {
+bool KeyPath::apply(std::size_t index, const Value& from, Value& into, Walk& walk) const {
   const Operator collectionOperator = keys_[index].collectionOperator;
   if (collectionOperator == Operator::count && (from.isList() || from.isRecord())) {
     const std::size_t count = from.isList() ? from.items().size() : from.record().fieldCount();
@@ -245,24 +234,24 @@ bool KeyPath::apply(std::size_t index, const Value& from, Value& into, Failure& 
     return true;
   }
   if (!from.isList()) {
-    failure = {Failure::Kind::noList, index, from.kind()};
+    walk.failure = {Failure::Kind::noList, index, from.kind()};
     return false;
   }
 
   // The values to operate on.
   Value rest;
-  if (!followItems(index + 1, from, rest, failure)) return false;
+  if (!followItems(index + 1, from, rest, walk)) return false;
   std::vector<Value> found = std::move(rest).takeItems();
-  failure.index = index;
+  walk.failure.index = index;
 
   const auto number = [&](std::optional<double> result) {
-    failure.kind = Failure::Kind::noNumber;
+    walk.failure.kind = Failure::Kind::noNumber;
     if (result) into = Number::real(*result);
     return result.has_value();
   };
   const auto extreme = [&](Extreme which) {
     const ExtremeItem item = extremeOf(which, found);
-    failure.kind = Failure::Kind::noOrder;
+    walk.failure.kind = Failure::Kind::noOrder;
     if (item.isComparable) into = item.item != nullptr ? *item.item : Value();
     return item.isComparable;
   };
@@ -276,12 +265,12 @@ bool KeyPath::apply(std::size_t index, const Value& from, Value& into, Failure& 
     case Operator::greatest:
       return extreme(Extreme::greatest);
     default:
-      return applyUnion(index, std::move(found), into, failure);
+      return applyUnion(index, std::move(found), into, walk);
   }
 }
 
 bool KeyPath::applyUnion(std::size_t index, std::vector<Value> found, Value& into,
-                         Failure& failure) const {
+                         Walk& walk) const {
   const Operator collectionOperator = keys_[index].collectionOperator;
   if (collectionOperator == Operator::unionOfLists ||
       collectionOperator == Operator::distinctUnionOfLists) {
@@ -289,15 +278,17 @@ bool KeyPath::applyUnion(std::size_t index, std::vector<Value> found, Value& int
     for (const Value& list : found) {
       if (list.isNull()) continue;
       if (!list.isList()) {
-        failure = {Failure::Kind::noInnerList, index, list.kind()};
+        walk.failure = {Failure::Kind::noInnerList, index, list.kind()};
         return false;
       }
+      walk.steps.spend(kStepsOfItem * list.items().size());
       joined.insert(joined.end(), list.items().begin(), list.items().end());
     }
     found = std::move(joined);
   }
   if (collectionOperator == Operator::distinctUnionOfItems ||
       collectionOperator == Operator::distinctUnionOfLists) {
+    for (const Value& value : found) walk.steps.spendOnContent(value);
     found = distinct(found);
   }
   into = Value(std::move(found));

@@ -26,6 +26,7 @@
 #include <string_view>
 #include <vector>
 
+#include "foundation/step_budget.h"
 #include "values/depth.h"
 #include "values/value.h"
 
@@ -53,12 +54,12 @@ class KeyPath {
   /// Throws KeyPathError for an operator without its key and for too many keys.
   explicit KeyPath(std::u16string_view path, TextKeys textKeys = TextKeys::none);
 
-  /// The value found, which may be null. Throws KeyPathError.
-  [[nodiscard]] Value valueIn(const Value& item) const;
+  /// The value found, which may be null. Throws KeyPathError, and as `find` does.
+  [[nodiscard]] Value valueIn(const Value& item, StepBudget steps = StepBudget()) const;
 
-  /// The same without an exception: null where the lookup fails. The value found
-  /// lies in `item` or in `room`.
-  [[nodiscard]] const Value* find(const Value& item, Value& room) const;
+  /// The same without a reason: no pointer where the lookup fails. The value found
+  /// lies in `item` or in `room`. Throws TooManySteps and what the budget's look throws.
+  [[nodiscard]] const Value* find(const Value& item, Value& room, StepBudget& steps) const;
 
  private:
   enum class Operator : std::uint8_t;
@@ -71,17 +72,17 @@ class KeyPath {
 
   // What went wrong, put into words only where somebody reads them.
   struct Failure;
+  struct Walk;
 
   [[nodiscard]] const Value* follow(std::size_t index, const Value& from, Value& room,
-                                    Failure& failure) const;
+                                    Walk& walk) const;
   [[nodiscard]] bool followItems(std::size_t index, const Value& list, Value& into,
-                                 Failure& failure) const;
-  [[nodiscard]] bool lookUp(const Key& key, const Value& from, Value& into, Failure& failure) const;
+                                 Walk& walk) const;
+  [[nodiscard]] bool lookUp(const Key& key, const Value& from, Value& into, Walk& walk) const;
   [[nodiscard]] bool lookUpInText(const Key& key, const Value& text, Value& into) const;
-  [[nodiscard]] bool apply(std::size_t index, const Value& from, Value& into,
-                           Failure& failure) const;
+  [[nodiscard]] bool apply(std::size_t index, const Value& from, Value& into, Walk& walk) const;
   [[nodiscard]] bool applyUnion(std::size_t index, std::vector<Value> found, Value& into,
-                                Failure& failure) const;
+                                Walk& walk) const;
   [[nodiscard]] std::string describe(const Failure& failure) const;
 
   static Operator operatorNamed(std::u16string_view key);

@@ -20,12 +20,13 @@ struct Predicate::Compiled {
 
 Predicate::Predicate(std::shared_ptr<const Compiled> compiled) : compiled_(std::move(compiled)) {}
 
-Predicate::Predicate(const Predicate& other) : compiled_(other.compiled_) {}
+Predicate::Predicate(const Predicate& other) : compiled_(other.compiled_), look_(other.look_) {}
 Predicate::Predicate(Predicate&&) noexcept = default;
 Predicate::~Predicate() = default;
 
 Predicate& Predicate::operator=(Predicate other) noexcept {
   compiled_.swap(other.compiled_);
+  look_.swap(other.look_);
   evaluation_.swap(other.evaluation_);
   return *this;
 }
@@ -48,13 +49,15 @@ bool Predicate::evaluate(const Value& item, const Record& variables) const {
 bool Predicate::evaluate(const Value& item, const Record* variables) const {
   if (!evaluation_) {
     evaluation_ = std::make_unique<PredicateEvaluation>(compiled_->parsed.variables.size(),
-                                                        compiled_->parsed.matchCount);
+                                                        compiled_->parsed.matchCount, look_);
   }
   try {
     evaluation_->begin(item, variables);
     return compiled_->parsed.condition->evaluate(*evaluation_) == Truth::yes;
   } catch (const EvaluationFault& fault) {
     throw PredicateError::failing(compiled_->format, fault.what());
+  } catch (const TooManySteps& error) {
+    throw PredicateError::failing(compiled_->format, error.what() + std::string(" on one item"));
   } catch (const WholeMatchError& error) {
     throw PredicateError::failing(compiled_->format, error.what());
   } catch (const DivisionByZero& error) {
@@ -62,6 +65,11 @@ bool Predicate::evaluate(const Value& item, const Record* variables) const {
   } catch (const NestingTooDeep&) {
     throw PredicateError::failing(compiled_->format, kTooDeep);
   }
+}
+
+void Predicate::setLook(std::function<void()> look) {
+  look_ = std::move(look);
+  evaluation_.reset();
 }
 
 const std::u16string& Predicate::format() const noexcept { return compiled_->format; }

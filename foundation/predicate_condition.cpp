@@ -25,6 +25,13 @@ bool looksForText(Comparison comparison) {
   }
 }
 
+// Comparing texts costs little, unless they are long.
+void spendOnTexts(std::u16string_view left, std::u16string_view right,
+                  PredicateEvaluation& evaluation) {
+  constexpr std::size_t kUnitsOfStep = 16;
+  evaluation.steps().spend((left.size() + right.size()) / kUnitsOfStep);
+}
+
 }  // namespace
 
 Truth CompoundCondition::evaluate(PredicateEvaluation& evaluation) const {
@@ -59,6 +66,7 @@ ComparisonCondition::ComparisonCondition(Parts parts, const std::string& locale)
 }
 
 Truth ComparisonCondition::evaluate(PredicateEvaluation& evaluation) const {
+  evaluation.steps().spend(1);
   Value leftRoom;
   const Value* const left = parts_.left->evaluate(evaluation, leftRoom);
   if (left == nullptr) return Truth::unknown;
@@ -78,7 +86,7 @@ Truth ComparisonCondition::quantify(const Value& left, const Value& right,
   const bool isNone = parts_.quantifier == Quantifier::noneOf;
   if (left.isNull()) return truthOf(isNone);
   if (!left.isList()) return Truth::unknown;
-  evaluation.spend(left.items().size());
+  evaluation.steps().spend(left.items().size());
   const Truth decisive = truthOf(!isAll);
   Truth result = opposite(decisive);
   for (const Value& item : left.items()) {
@@ -134,8 +142,15 @@ std::u16string_view ComparisonCondition::foldedRight(const Value& right,
 
 bool ComparisonCondition::isEqual(const Value& left, const Value& right,
                                   PredicateEvaluation& evaluation) const {
-  if (relation_.isLiteral() || !left.isText() || !right.isText()) return left == right;
-  return relation_.isEqual(left.text(), right.text(), evaluation.texts());
+  if (left.kind() != right.kind()) return false;
+  if (left.isText()) {
+    spendOnTexts(left.text(), right.text(), evaluation);
+    if (!relation_.isLiteral())
+      return relation_.isEqual(left.text(), right.text(), evaluation.texts());
+  } else if (left.isList() || left.isRecord()) {
+    evaluation.steps().spendOnContent(left);
+  }
+  return left == right;
 }
 
 // Nothing for values without a common order; numbers that are none are unordered.
@@ -144,6 +159,7 @@ std::optional<std::partial_ordering> ComparisonCondition::order(
   if (left.kind() != right.kind()) return std::nullopt;
   switch (left.kind()) {
     case Kind::text:
+      spendOnTexts(left.text(), right.text(), evaluation);
       return relation_.order(left.text(), right.text(), evaluation.texts());
     case Kind::number:
     case Kind::date:
@@ -170,16 +186,20 @@ Truth ComparisonCondition::isBetween(const Value& value, const Value& bounds,
 Truth ComparisonCondition::isIn(const Value& part, const Value& whole,
                                 PredicateEvaluation& evaluation) const {
   if (whole.isNull()) return Truth::no;
-  if (members_) return truthOf(members_->contains(part));
+  if (members_) {
+    evaluation.steps().spendOnContent(part);
+    return truthOf(members_->contains(part));
+  }
   if (whole.isList() || whole.isRecord()) {
     const auto values = whole.isList() ? whole.items() : whole.record().values();
-    evaluation.spend(values.size());
+    evaluation.steps().spend(values.size());
     return truthOf(std::ranges::any_of(
         values, [&](const Value& value) { return isEqual(part, value, evaluation); }));
   }
   if (!whole.isText()) return Truth::unknown;
   if (part.isNull()) return Truth::no;
   if (!part.isText()) return Truth::unknown;
+  spendOnTexts(part.text(), whole.text(), evaluation);
 
   // The constant is the part in CONTAINS and the whole in IN.
   TextRelation::Workspace& work = evaluation.texts();
@@ -193,15 +213,17 @@ Truth ComparisonCondition::isIn(const Value& part, const Value& whole,
 Truth ComparisonCondition::relateTexts(const Value& left, const Value& right,
                                        PredicateEvaluation& evaluation) const {
   if (!left.isText() || !right.isText()) return Truth::unknown;
+  spendOnTexts(left.text(), right.text(), evaluation);
   if (parts_.comparison == Comparison::matches) {
     const MatchCase matchCase =
         relation_.options().caseInsensitive ? MatchCase::insensitive : MatchCase::sensitive;
     WholeMatch& match = evaluation.match(parts_.matchSlot);
     if (!relation_.options().diacriticInsensitive) {
-      return truthOf(match.matches(left.text(), right.text(), matchCase));
+      return truthOf(match.matches(left.text(), right.text(), matchCase, evaluation.matchWatch()));
     }
     return truthOf(match.matches(relation_.withoutDiacritics(left.text()),
-                                 relation_.withoutDiacritics(right.text()), matchCase));
+                                 relation_.withoutDiacritics(right.text()), matchCase,
+                                 evaluation.matchWatch()));
   }
   TextRelation::Workspace& work = evaluation.texts();
   const std::u16string_view text = relation_.folded(left.text(), work.left, work.intermediate);
@@ -222,13 +244,7 @@ Truth ComparisonCondition::isLike(std::u16string_view text, const Value& pattern
   const bool isPrepared = pattern_ && &pattern == constantRight_;
   if (!isPrepared) evaluation.pattern().assign(foldedRight(pattern, evaluation));
   const WildcardPattern& prepared = isPrepared ? *pattern_ : evaluation.pattern();
-  // Steps in proportion to the text are free; what a hostile pattern takes is not.
-  std::uint64_t& left = evaluation.steps();
-  std::uint64_t steps = left + 16 * text.size();
-  const std::optional<bool> isMatch = prepared.matches(text, steps);
-  if (!isMatch) PredicateEvaluation::throwTooManySteps();
-  left = std::min(left, steps);
-  return truthOf(*isMatch);
+  return truthOf(prepared.matches(text, evaluation.steps()));
 }
 
 }  // namespace skerrow::foundation

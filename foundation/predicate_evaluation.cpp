@@ -1,10 +1,22 @@
 #include "foundation/predicate_evaluation.h"
 
+#include <chrono>
 #include <utility>
 
 #include "foundation/text_encoding.h"
 
 namespace skerrow::foundation {
+
+PredicateEvaluation::PredicateEvaluation(std::size_t variableCount, std::size_t matchCount,
+                                         StepBudget::Look look)
+    : variables_(variableCount), steps_(kMaximumSteps, look), matches_(matchCount) {
+  matchWatch_.timeLimit = std::chrono::seconds(3);
+  if (!look) return;
+  matchWatch_.isStopped = [look = std::move(look)] {
+    look();
+    return false;
+  };
+}
 
 const Value& PredicateEvaluation::variable(std::size_t slot, const Value& name) const {
   if (variables_[slot].isSet) return variables_[slot].value;
@@ -24,10 +36,6 @@ void PredicateEvaluation::assign(std::size_t slot, Value value) {
 void PredicateEvaluation::forgetVariables() {
   for (Variable& variable : variables_) variable = {};
   hasAssigned_ = false;
-}
-
-void PredicateEvaluation::throwTooManySteps() {
-  throw EvaluationFault("it takes too many steps on one item");
 }
 
 std::mt19937_64& PredicateEvaluation::random() {

@@ -9,6 +9,8 @@
 #include <stdexcept>
 #include <vector>
 
+#include "foundation/match_watch.h"
+#include "foundation/step_budget.h"
 #include "foundation/text_relation.h"
 #include "foundation/whole_match.h"
 #include "foundation/wildcard_pattern.h"
@@ -36,16 +38,15 @@ class EvaluationFault : public std::runtime_error {
 
 class PredicateEvaluation {
  public:
-  /// A slot for every variable and every MATCHES of the predicate.
-  PredicateEvaluation(std::size_t variableCount, std::size_t matchCount)
-      : variables_(variableCount), matches_(matchCount) {}
+  /// A slot for every variable and every MATCHES of the predicate. `look` may be empty.
+  PredicateEvaluation(std::size_t variableCount, std::size_t matchCount, StepBudget::Look look);
 
   /// Begins with a new item. Both must stay where they are until the evaluation
   /// ends; `given` may be null.
   void begin(const Value& item, const Record* given) {
     item_ = &item;
     given_ = given;
-    steps_ = kMaximumSteps;
+    steps_.begin();
     if (hasAssigned_) forgetVariables();
   }
 
@@ -75,17 +76,11 @@ class PredicateEvaluation {
     bool wasSet_;
   };
 
-  /// Counts work that grows with the product of lists. Throws EvaluationFault when
-  /// one item takes too much of it, so that no predicate runs without end.
-  void spend(std::size_t steps) {
-    if (steps > steps_) throwTooManySteps();
-    steps_ -= steps;
-  }
-  /// The steps that are left, for who counts them himself.
-  std::uint64_t& steps() { return steps_; }
-  [[noreturn]] static void throwTooManySteps();
+  /// What one item may cost, so that no predicate runs without end.
+  StepBudget& steps() { return steps_; }
 
   WholeMatch& match(std::size_t slot) { return matches_[slot]; }
+  const MatchWatch& matchWatch() const { return matchWatch_; }
   TextRelation::Workspace& texts() { return texts_; }
   WildcardPattern& pattern() { return pattern_; }
   std::mt19937_64& random();
@@ -104,8 +99,9 @@ class PredicateEvaluation {
   const Record* given_ = nullptr;
   std::vector<Variable> variables_;
   bool hasAssigned_ = false;
-  std::uint64_t steps_ = kMaximumSteps;
+  StepBudget steps_;
   std::vector<WholeMatch> matches_;
+  MatchWatch matchWatch_;
   TextRelation::Workspace texts_;
   WildcardPattern pattern_;
   std::vector<std::mt19937_64> random_;  // one once it is needed

@@ -30,18 +30,13 @@ const Value* putText(const std::string& text, Value& room) {
 }  // namespace
 
 const Value* KeyPathExpression::evaluate(PredicateEvaluation& evaluation, Value& room) const {
-  if (base_ == nullptr) {
-    const Value* const found = path_.find(evaluation.item(), room);
-    if (found == &room && room.isList()) evaluation.spend(kStepsOfCopy * room.items().size());
-    return found;
-  }
+  if (base_ == nullptr) return path_.find(evaluation.item(), room, evaluation.steps());
   Value baseRoom;
   const Value* const base = base_->evaluate(evaluation, baseRoom);
   if (base == nullptr) return nullptr;
   Value foundRoom;
-  const Value* const found = path_.find(*base, foundRoom);
+  const Value* const found = path_.find(*base, foundRoom, evaluation.steps());
   if (found == nullptr) return nullptr;
-  if (found->isList()) evaluation.spend(kStepsOfCopy * found->items().size());
   return put(*found, room);  // a copy, as the base may go
 }
 
@@ -63,12 +58,13 @@ const Value* AggregateExpression::evaluate(PredicateEvaluation& evaluation, Valu
     if (value == nullptr) return nullptr;
     values.push_back(*value);
   }
-  evaluation.spend(kStepsOfCopy * values.size());
+  evaluation.steps().spend(kStepsOfCopy * values.size());
   return put(Value(std::move(values)), room);
 }
 
 const Value* ArithmeticExpression::evaluate(PredicateEvaluation& evaluation, Value& room) const {
   Value operandRoom;
+  evaluation.steps().spend(steps_.size());
   Number result = Number::signed64(0);
   bool hasNull = false;
   for (const Step& step : steps_) {
@@ -129,7 +125,7 @@ const Value* FunctionExpression::evaluate(PredicateEvaluation& evaluation, Value
     const Value* const argument = arguments_[i]->evaluate(evaluation, argumentRoom);
     if (argument == nullptr) return nullptr;
     arguments[i] = *argument;
-    if (argument->isList()) evaluation.spend(argument->items().size());
+    evaluation.steps().spendOnContent(*argument);
   }
   std::optional<Value> result = function_.call(arguments, evaluation);
   if (!result) return nullptr;
@@ -186,7 +182,7 @@ const Value* SubqueryExpression::evaluate(PredicateEvaluation& evaluation, Value
   std::vector<Value> found;
   PredicateEvaluation::Binding binding(evaluation, slot_);
   for (const Value& item : held.items()) {
-    evaluation.spend(kStepsOfCondition);
+    evaluation.steps().spend(kStepsOfCondition);
     binding.set(item);
     if (condition_->evaluate(evaluation) == Truth::yes) found.push_back(item);
   }

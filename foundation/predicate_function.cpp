@@ -1,7 +1,6 @@
 #include "foundation/predicate_function.h"
 
 #include <unicode/uchar.h>
-#include <unicode/ustring.h>
 
 #include <algorithm>
 #include <array>
@@ -12,8 +11,8 @@
 #include <utility>
 #include <vector>
 
+#include "foundation/case_mapping.h"
 #include "foundation/collection_operator.h"
-#include "foundation/icu_text.h"
 #include "foundation/number_arithmetic.h"
 
 namespace skerrow::foundation {
@@ -134,16 +133,11 @@ std::int64_t shiftLeft(std::int64_t bits, std::int64_t by) {
 }
 
 template <auto conversion>
-Result ofText(Arguments arguments, PredicateEvaluation&) {
+Result inCase(Arguments arguments, PredicateEvaluation&) {
   const Value& argument = arguments.front();
   if (argument.isNull()) return Value();
   if (!argument.isText()) return std::nullopt;
-  const std::u16string_view text = argument.text();
-  std::u16string result;
-  convertInto(result, text.size(), [&](char16_t* units, std::int32_t room, UErrorCode* error) {
-    return conversion(units, room, icuUnits(text), icuLength(text), "", error);
-  });
-  return Value(std::move(result));
+  return Value(conversion(argument.text()));
 }
 
 // In UTF-16 units.
@@ -204,8 +198,8 @@ constexpr std::array kFunctions = {
     PredicateFunction{u"leftshift:by:", 2, 2, ofBits<shiftLeft>},
     PredicateFunction{u"rightshift:by:", 2, 2, ofBits<shiftRight>},
     PredicateFunction{u"onesComplement", 1, 1, ofNumber<complement>},
-    PredicateFunction{u"uppercase", 1, 1, ofText<u_strToUpper>},
-    PredicateFunction{u"lowercase", 1, 1, ofText<u_strToLower>},
+    PredicateFunction{u"uppercase", 1, 1, inCase<uppercased>},
+    PredicateFunction{u"lowercase", 1, 1, inCase<lowercased>},
     PredicateFunction{u"length", 1, 1, length},
     PredicateFunction{u"random", 0, 1, random},
     PredicateFunction{u"randomn", 1, 1, random},

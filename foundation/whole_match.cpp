@@ -2,15 +2,11 @@
 
 #include <unicode/uregex.h>
 
-#include <chrono>
-
 #include "foundation/quoted_text.h"
 
 namespace skerrow::foundation {
 
 namespace {
-
-using namespace std::chrono_literals;
 
 std::string inWords(std::int32_t code) {
   switch (code) {
@@ -38,16 +34,15 @@ CompiledRegex compiled(std::u16string_view pattern, MatchCase matchCase) {
 
 }  // namespace
 
-bool WholeMatch::matches(std::u16string_view text, std::u16string_view pattern,
-                         MatchCase matchCase) {
-  static const MatchWatch kWatch = {.timeLimit = 3000ms};
+bool WholeMatch::matches(std::u16string_view text, std::u16string_view pattern, MatchCase matchCase,
+                         const MatchWatch& watch) {
   try {
     if (!regex_ || pattern_ != pattern) {
       regex_ = compiled(pattern, matchCase);
       pattern_ = pattern;
     }
     regex_->setSubject(text, UnitRange::whole(text));
-    MatchMonitor monitor(&kWatch);
+    MatchMonitor monitor(&watch);
     return regex_->matchesWhole(monitor);
   } catch (const RegexFault& fault) {
     throw WholeMatchError(description(pattern, fault));

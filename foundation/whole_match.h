@@ -24,8 +24,9 @@ enum class MatchCase : bool { sensitive, insensitive };
 class WholeMatch {
  public:
   /// The pattern is in the syntax of ICU; all calls with one pattern ask for the
-  /// same case. Throws WholeMatchError.
-  bool matches(std::u16string_view text, std::u16string_view pattern, MatchCase matchCase);
+  /// same case. Throws WholeMatchError, and what the watch throws.
+  bool matches(std::u16string_view text, std::u16string_view pattern, MatchCase matchCase,
+               const MatchWatch& watch);
 
  private:
   std::u16string pattern_;

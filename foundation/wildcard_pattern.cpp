@@ -11,6 +11,8 @@ namespace {
 constexpr char32_t kOne = 0x110000;
 constexpr char32_t kAny = 0x110001;
 
+constexpr std::size_t kFreeStepsOfUnit = 16;
+
 char32_t nextCharacter(std::u16string_view text, std::size_t& index) {
   const char16_t* const units = text.data();
   char32_t character = 0;
@@ -36,7 +38,7 @@ void WildcardPattern::assign(std::u16string_view pattern) {
   }
 }
 
-std::optional<bool> WildcardPattern::matches(std::u16string_view text, std::uint64_t& steps) const {
+bool WildcardPattern::matches(std::u16string_view text, StepBudget& steps) const {
   constexpr std::size_t kNowhere = static_cast<std::size_t>(-1);
   std::size_t inText = 0;
   std::size_t inPattern = 0;
@@ -44,9 +46,13 @@ std::optional<bool> WildcardPattern::matches(std::u16string_view text, std::uint
   // needs to take more, as what stands before it has been matched as early as can be.
   std::size_t behindAny = kNowhere;
   std::size_t endOfAny = 0;
+  std::size_t freeSteps = kFreeStepsOfUnit * text.size();
   while (inText < text.size()) {
-    if (steps == 0) return std::nullopt;
-    --steps;
+    if (freeSteps > 0) {
+      --freeSteps;
+    } else {
+      steps.spend(1);
+    }
     if (inPattern < elements_.size() && elements_[inPattern] == kAny) {
       behindAny = ++inPattern;
       endOfAny = inText;

@@ -3,10 +3,10 @@
 // number of them, also none. A backslash takes the meaning from either, and from
 // another backslash; before anything else it is an ordinary character.
 
-#include <cstdint>
-#include <optional>
 #include <string_view>
 #include <vector>
+
+#include "foundation/step_budget.h"
 
 namespace skerrow::foundation {
 
@@ -18,9 +18,9 @@ class WildcardPattern {
   /// Replaces the pattern and keeps its memory.
   void assign(std::u16string_view pattern);
 
-  /// Whether the whole text matches; nothing when that takes more than `steps`,
-  /// as hostile patterns do. `steps` is what is left of them afterwards.
-  std::optional<bool> matches(std::u16string_view text, std::uint64_t& steps) const;
+  /// Whether the whole text matches. Steps in proportion to the text are free; what
+  /// a hostile pattern takes is not. Throws TooManySteps.
+  bool matches(std::u16string_view text, StepBudget& steps) const;
 
  private:
   std::vector<char32_t> elements_;  // characters, and two numbers that are none

@@ -47,7 +47,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
       const KeyPath path(text, textKeys);
       for (const Value& item : items) {
         Value room;
-        const Value* const found = path.find(item, room);
+        skerrow::foundation::StepBudget steps;
+        const Value* const found = path.find(item, room, steps);
         try {
           const Value value = path.valueIn(item);
           if (found == nullptr || *found != value) __builtin_trap();

@@ -129,6 +129,9 @@ class SKWFilterLists final : public core::Command {
     std::vector<Predicate> predicates;
     if (const Value* given = evaluatedArguments().find("predicateList")) {
       predicates = predicatesFrom(given->raw());
+      for (Predicate& predicate : predicates) {
+        predicate.setLook([this] { cancelToken().throwIfCancelled(); });
+      }
     }
     try {
       if (!isInSublists) return filtered(std::move(items), predicates);
@@ -163,12 +166,9 @@ class SKWFilterLists final : public core::Command {
   }
 
   bool isTrueOf(const Predicate& predicate, const Value& value) {
-    constexpr std::size_t kItemsBetweenLooks = 1024;
-    if (++seen_ % kItemsBetweenLooks == 0) cancelToken().throwIfCancelled();
+    cancelToken().throwIfCancelled();
     return predicate.evaluate(value);
   }
-
-  std::size_t seen_ = 0;
 };
 
 }  // namespace

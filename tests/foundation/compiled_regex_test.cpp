@@ -77,7 +77,19 @@ TEST(CompiledRegex, HalfAPairInAPatternMatchesNoHalfOfAPair) {
     EXPECT_EQ(matchesOf(pattern, u""), Matches{});
     EXPECT_EQ(matchesOf(pattern, u"a\xD83D"), (Matches{u"a\xD83D"}));
     EXPECT_EQ(matchesOf(pattern, u"😀a\xD83D", {1, 3}), (Matches{u"a\xD83D"}));
+    EXPECT_EQ(matchesOf(pattern + u"|n\\b\\b", u"n"), (Matches{u"n"}));
+    for (const std::u16string_view before : {u"[]]?", u"[^]]?", u"\\Q[\\E?", u"(?#[)", u"\\c[?"}) {
+      EXPECT_EQ(matchesOf(std::u16string(before) + pattern + u".*x", u"a😀bbb"), Matches{});
+    }
   }
+}
+
+TEST(CompiledRegex, HalvesInSetsAreCharacters) {
+  EXPECT_EQ(matchesOf(u"[\\ud800-\\udbff]\\b\\B|\\b\\b$", u"😀n"), (Matches{u""}));
+  EXPECT_EQ(matchesOf(u"[\\ud800-\\udfff]",
+                      u"a\xD83D"
+                      u"😀\xDE00"),
+            (Matches{u"\xD83D", u"\xDE00"}));
 }
 
 TEST(CompiledRegex, APairWrittenAsTwoEscapesIsOneCharacter) {

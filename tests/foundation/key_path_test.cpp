@@ -234,10 +234,11 @@ TEST(KeyPath, CutsALongKeyInItsReason) {
 
 TEST(KeyPath, FindsWithoutAnExceptionForWhomNeedsNoReason) {
   Value room;
-  EXPECT_EQ(KeyPath(u"name").find(Value(u"text"), room), nullptr);
-  EXPECT_EQ(KeyPath(u"@max.self").find(list({integer(1), u"a"}), room), nullptr);
+  StepBudget steps;
+  EXPECT_EQ(KeyPath(u"name").find(Value(u"text"), room, steps), nullptr);
+  EXPECT_EQ(KeyPath(u"@max.self").find(list({integer(1), u"a"}), room, steps), nullptr);
   const Value thing = item(u"pen", 3);
-  const Value* const found = KeyPath(u"name").find(thing, room);
+  const Value* const found = KeyPath(u"name").find(thing, room, steps);
   ASSERT_NE(found, nullptr);
   EXPECT_EQ(found, thing.record().find(Value(u"name")));  // where it lies
 }
@@ -346,7 +347,8 @@ RC_GTEST_PROP(KeyPath, FindsTheSameWithAndWithoutAReason, ()) {
   try {
     const KeyPath path(arbitraryPath());
     Value room;
-    const Value* const found = path.find(value, room);
+    StepBudget steps;
+    const Value* const found = path.find(value, room, steps);
     if (found != nullptr) {
       RC_ASSERT(path.valueIn(value) == *found);
     } else {
@@ -363,11 +365,12 @@ RC_GTEST_PROP(KeyPath, AppliesTheRestOfAPathToEveryItem, ()) {
   std::vector<Value> items(static_cast<std::size_t>(*rc::gen::inRange(0, 4)));
   for (Value& element : items) element = arbitraryValue(3);
   Value room;
-  const Value* const found = path.find(list(items), room);
+  StepBudget steps;
+  const Value* const found = path.find(list(items), room, steps);
   std::vector<Value> each;
   for (const Value& element : items) {
     Value itemRoom;
-    const Value* const one = path.find(element, itemRoom);
+    const Value* const one = path.find(element, itemRoom, steps);
     if (one == nullptr) {
       RC_ASSERT(found == nullptr);
       return;

@@ -350,6 +350,8 @@ TEST(Predicate, EndsWhereWorkOnOneItemHasNoMeasure) {
       u"SUBQUERY(SELF, $a, SUBQUERY(SELF, $b, 2 IN SELF).@count = 1).@count = 1",
       u"SUBQUERY(SELF, $a, SUBQUERY(SELF, $b, sum(SELF) = 1).@count = 1).@count = 1",
       u"SUBQUERY(SELF, $a, SUBQUERY(SELF, $b, SELF.self = 1).@count = 1).@count = 1",
+      u"SUBQUERY(SELF, $a, SUBQUERY(SELF, $b, SELF.@sum.self = 1).@count = 1).@count = 1",
+      u"SUBQUERY(SELF, $a, SUBQUERY(SELF, $b, SELF = SELF).@count = 1).@count = 1",
   };
   for (const std::u16string_view format : endless) {
     SCOPED_TRACE(utf8FromUtf16(format));
@@ -362,15 +364,53 @@ TEST(Predicate, EndsWhereWorkOnOneItemHasNoMeasure) {
     }
   }
 
-  // Lists that double and double.
-  std::u16string doubling = u"($x := {1, 1}) = nil";
-  for (int i = 0; i < 60; ++i) doubling += u" OR ($x := {$x, $x}.@unionOfArrays.self) = nil";
-  EXPECT_THROW((void)Predicate::parse(doubling).evaluate(Value()), PredicateError);
+  // Lists that double and double, in length and in what they hold.
+  const auto doubled = [](std::u16string_view suffix) {
+    std::u16string format = u"($x := {1, 1}) = nil";
+    for (int i = 0; i < 60; ++i) {
+      format += u" OR ($x := {$x, $x}" + std::u16string(suffix) + u") = nil";
+    }
+    return format;
+  };
+  for (const std::u16string& format :
+       {doubled(u".@unionOfArrays.self"), doubled(u"") + u" OR $x.self = nil",
+        doubled(u"") + u" OR ($y := {$x}) = nil OR $x = $y[0]",
+        doubled(u"") + u" OR {$x, $x}.@distinctUnionOfObjects.self = nil",
+        doubled(u"") + u" OR $x IN {$x}", doubled(u"") + u" OR mode({$x, $x}) = nil"}) {
+    EXPECT_THROW((void)Predicate::parse(format).evaluate(Value()), PredicateError);
+  }
 
   const Value text(std::u16string(100'000, u'a'));
+  const std::u16string_view onTexts[] = {
+      u"SUBQUERY($many, $x, $text CONTAINS[cd] $x) = nil",
+      u"SUBQUERY($many, $x, length($text) = 1) = nil",
+  };
+  const Record variables{{Value(u"many"), list(std::vector<Value>(50'000, Value(u"b")))},
+                         {Value(u"text"), text}};
+  for (const std::u16string_view format : onTexts) {
+    SCOPED_TRACE(utf8FromUtf16(format));
+    EXPECT_THROW((void)Predicate::parse(format).evaluate(Value(), variables), PredicateError);
+  }
   EXPECT_THROW(
       (void)Predicate::parse(u"SELF LIKE '*" + repeated(u"a?", 10'000) + u"b'").evaluate(text),
       PredicateError);
+}
+
+TEST(Predicate, LooksUpNowAndThen) {
+  struct Stopped {};
+  const Value numbers = list(std::vector<Value>(100'000, integer(1)));
+  const std::u16string_view longOnes[] = {
+      u"SUBQUERY(SELF, $a, SELF.@sum.self = 1) = nil",
+      u"'aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa' MATCHES '(a+)+b'",
+  };
+  for (const std::u16string_view format : longOnes) {
+    SCOPED_TRACE(utf8FromUtf16(format));
+    Predicate predicate = Predicate::parse(format);
+    predicate.setLook([] { throw Stopped{}; });
+    const Predicate copy = predicate;
+    EXPECT_THROW((void)predicate.evaluate(numbers), Stopped);
+    EXPECT_THROW((void)copy.evaluate(numbers), Stopped);
+  }
 }
 
 TEST(Predicate, WorksOnTheDeepestValues) {
