@@ -50,7 +50,7 @@ void Command::prepare(std::optional<ScriptValue> directParameter, Arguments eval
   assert(state() == State::created);
   directParameter_ = std::move(directParameter);
   arguments_ = std::move(evaluatedArguments);
-  context_ = &context;
+  context_.emplace(context);
   receiver_ = std::move(receiver);
 }
 

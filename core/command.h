@@ -35,7 +35,7 @@ using Reply = std::variant<std::optional<ScriptValue>, ScriptError>;
 /// Receives the reply of a suspended command, on whichever thread it resumes.
 using ReplyReceiver = std::function<void(Reply)>;
 
-/// What surrounds a command. Everything here outlives it.
+/// What surrounds a command. Everything that it refers to outlives the command.
 struct CommandContext {
   ApplicationDelegate& delegate;
   WorkerPool& pool;
@@ -122,7 +122,7 @@ class Command : public std::enable_shared_from_this<Command> {
     return std::exchange(directParameter_, std::nullopt);
   }
   [[nodiscard]] const Arguments& evaluatedArguments() const noexcept { return arguments_; }
-  [[nodiscard]] const CommandContext& context() const noexcept { return *context_; }
+  [[nodiscard]] const CommandContext& context() const { return context_.value(); }
   [[nodiscard]] const CancelToken& cancelToken() const noexcept { return cancelToken_; }
 
   // The two halves of the script error, for a failure that is recorded rather
@@ -155,7 +155,7 @@ class Command : public std::enable_shared_from_this<Command> {
 
   std::optional<ScriptValue> directParameter_;
   Arguments arguments_;
-  const CommandContext* context_ = nullptr;
+  std::optional<CommandContext> context_;
   ReplyReceiver receiver_;
   CancelToken cancelToken_;
   std::vector<std::vector<Value>> discarded_;

@@ -11,8 +11,8 @@
 #include "foundation/long_date_time.h"
 #include "foundation/text_encoding.h"
 #include "foundation/url.h"
-#include "values/fetching.h"
 #include "values/keys.h"
+#include "values/prefetching.h"
 #include "values/record.h"
 
 namespace skerrow::core {
@@ -207,8 +207,8 @@ std::optional<ScriptValue> makeDescriptor(Value&& value) {
 ScriptValue makeDescriptorForArray(std::vector<Value>&& items) {
   std::vector<ScriptValue> packed;
   packed.reserve(items.size());
-  forEachFetched(items,
-                 [&packed](Value& item) { packed.push_back(packOrMissing(std::move(item))); });
+  forEachPrefetched(items,
+                    [&packed](Value& item) { packed.push_back(packOrMissing(std::move(item))); });
   items.clear();
   return ScriptValue::list(std::move(packed));
 }

@@ -63,14 +63,7 @@ ExtremeItem extremeOf(Extreme extreme, std::span<const Value> items) {
   return found;
 }
 
-std::vector<Value> distinct(std::span<const Value> items) {
-  ValueSet seen;
-  std::vector<Value> found;
-  for (const Value& item : items) {
-    if (seen.insert(item)) found.push_back(item);
-  }
-  return found;
-}
+std::vector<Value> distinct(std::span<const Value> items) { return ValueSet(items).values(); }
 
 std::optional<Value> medianOf(std::span<const Value> items) {
   std::optional<std::vector<double>> numbers = numbersAmong(items);

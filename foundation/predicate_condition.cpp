@@ -60,8 +60,7 @@ ComparisonCondition::ComparisonCondition(Parts parts, const std::string& locale)
   }
   if (parts_.comparison == Comparison::in && constantRight_->isList() && relation_.isLiteral() &&
       constantRight_->items().size() >= kManyMembers) {
-    members_.emplace();
-    for (const Value& item : constantRight_->items()) members_->insert(item);
+    members_.emplace(constantRight_->items());
   }
 }
 

@@ -41,6 +41,8 @@ bool isFileUrl(const Url& url) {
 
 std::optional<std::string> filePath(const Url& url) {
   if (!isFileUrl(url)) return std::nullopt;
+  // The library takes a query for a part of the path.
+  if (url.absoluteString.find('?') != std::string::npos) return std::nullopt;
   char* host = nullptr;
   const GlibText path(g_filename_from_uri(url.absoluteString.c_str(), &host, nullptr));
   const GlibText ownedHost(host);

@@ -48,8 +48,7 @@ class SKWLookInListFor final : public core::Command {
   std::optional<Value> compute() override {
     const Value list = core::unpackAEList(*takeDirectParameter());
     const Value wanted = core::unpackArrayOfAEDescs(targets_);
-    ValueSet targets;
-    for (const Value& target : wanted.items()) targets.insert(target);
+    const ValueSet targets(wanted.items());
     if (!isInSublists_) return positionsIn(list.items(), targets);
     if (!std::ranges::all_of(list.items(), &Value::isList)) throw ScriptError(kNotAList);
     Items found;

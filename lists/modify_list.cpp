@@ -203,12 +203,6 @@ void insertItems(Items& list, const Givens& givens) {
   list.insert(at(list, position), items.begin(), items.end());
 }
 
-ValueSet setOf(std::span<const Value> items) {
-  ValueSet set;
-  set.insertAll(items);
-  return set;
-}
-
 // Keeps the first of equal items, if `isWanted`, in their order.
 template <class IsWanted>
 void keepDistinctWhere(Items& list, const Givens& givens, IsWanted&& isWanted) {
@@ -224,7 +218,7 @@ void keepDistinctWhere(Items& list, const Givens& givens, IsWanted&& isWanted) {
 }
 
 void intersect(Items& list, const Givens& givens) {
-  const ValueSet others = setOf(givens.argument.items());
+  const ValueSet others(givens.argument.items());
   keepDistinctWhere(list, givens, [&others](const Value& item) { return others.contains(item); });
 }
 
@@ -233,7 +227,7 @@ void makeUnique(Items& list, const Givens& givens) {
 }
 
 void subtract(Items& list, const Givens& givens) {
-  const ValueSet others = setOf(givens.argument.items());
+  const ValueSet others(givens.argument.items());
   keepDistinctWhere(list, givens, [&others](const Value& item) { return !others.contains(item); });
 }
 
@@ -341,13 +335,16 @@ void SKWModifyList::check() {
     const Value* argument = arguments.find(change.key);
     if (argument == nullptr) continue;
     if (change.asked == Asked::byValue && !arguments.isSet(change.key)) continue;
-    requested_.push_back({change, change.reading == Reading::unpackedBeforehand
-                                      ? core::unpackArrayOfAEDescs(*argument)
-                                      : *argument});
+    requested_.push_back({change, *argument});
   }
 }
 
 std::optional<Value> SKWModifyList::compute() {
+  for (Requested& requested : requested_) {
+    if (requested.change.reading == Reading::unpackedBeforehand) {
+      requested.argument = core::unpackArrayOfAEDescs(requested.argument);
+    }
+  }
   Value list = core::unpackAEList(*takeDirectParameter());
   if (!evaluatedArguments().isSet("doSublists")) return changed(std::move(list).takeItems());
   Items packed;
@@ -419,12 +416,17 @@ Items SKWModifyList::colsToRowsIn(Items rows) {
   if (rows.empty()) throw ScriptError(kNothingToTranspose);
   const Value first = content(rows.front());
   if (!first.isList()) throw ScriptError(kFirstRowNotAList);
-  std::vector<Items> columns(first.items().size());
-  for (Items& column : columns) column.reserve(rows.size());
+  std::vector<Items> taken;
+  taken.reserve(rows.size());
   for (Value& row : rows) {
-    Items items = takeRow(row, kRowNotAList);
-    if (items.size() != columns.size()) throw ScriptError(kUnequalRows);
-    for (std::size_t i = 0; i < items.size(); ++i) columns[i].push_back(std::move(items[i]));
+    taken.push_back(takeRow(row, kRowNotAList));
+    if (taken.back().size() != first.items().size()) throw ScriptError(kUnequalRows);
+  }
+  std::vector<Items> columns(first.items().size());
+  for (Items& column : columns) column.reserve(taken.size());
+  for (Items& row : taken) {
+    for (std::size_t i = 0; i < row.size(); ++i) columns[i].push_back(std::move(row[i]));
+    row = Items();
   }
   return {std::make_move_iterator(columns.begin()), std::make_move_iterator(columns.end())};
 }

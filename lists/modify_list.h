@@ -6,7 +6,8 @@
 //
 // Given values (what is inserted, padded with or put in the place of missing
 // values) stay in the list as they came, so that they are packed unchanged;
-// later changes see them by their content.
+// later changes see them by their content. Kept: a column that is inserted in
+// order is unpacked, and packed again.
 
 #include <cstddef>
 #include <cstdint>

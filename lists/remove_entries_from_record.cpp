@@ -19,8 +19,7 @@ class SKWRemoveEntriesFromRecord final : public core::Command {
   void check() override { requireList(directParameter()); }
 
   std::optional<Value> compute() override {
-    ValueSet labels;
-    labels.insertAll(labelsFrom(*directParameter(), kDirectParameter));
+    const ValueSet labels(labelsFrom(*directParameter(), kDirectParameter));
     const auto records = recordsArgument(evaluatedArguments(), "inRecords");
     std::vector<Value> results;
     results.reserve(records.size());

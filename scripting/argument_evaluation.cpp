@@ -133,7 +133,9 @@ bool isLargeInteger(Kinds kinds, const ScriptValue& refused) {
 }
 
 Value givenItems(const ArgumentEntry& argument, const ScriptValue& list) {
-  for (const ScriptValue& item : list.items()) {
+  const auto taken =
+      contains(argument.items, Kinds::any) ? std::span<const ScriptValue>() : list.items();
+  for (const ScriptValue& item : taken) {
     if (!plainValue(argument.items, item)) {
       refuse(argument,
              isLargeInteger(argument.items, item) ? "a list of integers of 32 bits"

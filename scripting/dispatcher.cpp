@@ -33,7 +33,7 @@ core::Arguments evaluated(const CommandEntry& command, const EventArguments& giv
 
 }  // namespace
 
-// Shared with the commands that run, which may resume after the dispatcher is gone.
+// Commands may resume when the dispatcher is gone: they hold it weakly.
 struct Dispatcher::State : std::enable_shared_from_this<State> {
   State(const Dictionary& theDictionary, CommandClasses theClasses, core::MainLoop& theLoop,
         const core::CommandContext& theContext)
@@ -46,8 +46,6 @@ struct Dispatcher::State : std::enable_shared_from_this<State> {
   };
 
   std::shared_ptr<core::Command> prepared(EventId event, Event&& given);
-  std::optional<core::Reply> start(EventId event, Event&& given,
-                                   std::shared_ptr<core::Command>& command);
   std::optional<Pending> remove(EventId event);
   void answer(EventId event, core::Reply reply);
   void timeOut(EventId event);
@@ -87,23 +85,19 @@ std::shared_ptr<core::Command> Dispatcher::State::prepared(EventId event, Event&
   return command;
 }
 
-// The reply of an event that needs no waiting; otherwise its command runs.
-std::optional<core::Reply> Dispatcher::State::start(EventId event, Event&& given,
-                                                    std::shared_ptr<core::Command>& command) {
-  try {
-    command = prepared(event, std::move(given));
-  } catch (const ScriptError& refusal) {
-    return refusal;
-  }
-  return command->perform();
-}
-
 Dispatcher::EventId Dispatcher::send(Event event, core::ReplyReceiver receiver) {
   assert(state_->loop.isOwnThread());
   const EventId identifier{++state_->lastEvent};
   const std::chrono::milliseconds timeout = event.timeout;
   std::shared_ptr<core::Command> command;
-  if (auto reply = state_->start(identifier, std::move(event), command)) {
+  std::optional<core::Reply> reply;
+  try {
+    command = state_->prepared(identifier, std::move(event));
+    reply = command->perform();
+  } catch (const ScriptError& refusal) {
+    reply = refusal;
+  }
+  if (reply) {
     receiver(std::move(*reply));
     return identifier;
   }

@@ -21,7 +21,8 @@ class Dispatcher {
  public:
   enum class EventId : std::uint64_t {};
 
-  /// Everything given here outlives the dispatcher; `context` is copied.
+  /// The loop, and what `context` refers to, outlive the commands, of which some may
+  /// run on when the dispatcher is gone; all else outlives the dispatcher.
   Dispatcher(const Dictionary& dictionary, CommandClasses classes, core::MainLoop& loop,
              const core::CommandContext& context);
   Dispatcher(const Dispatcher&) = delete;

@@ -3,12 +3,14 @@
 // what it holds, in order. Texts come as UTF-16, in which half of a surrogate pair,
 // spelled as its escape, is a unit like any other. Integers up to 64 bits come
 // exactly, all other numbers as the nearest real. Reading recurses as deep as the
-// handler lets arrays and objects nest.
+// handler lets arrays and objects nest. A text may have 1,073,741,823 units, and a
+// number as many digits.
 //
 // A handler has null(), boolean(bool), number(Number), text(units), beginArray(),
 // endArray(), beginObject(), label(units) and endObject(), each called when its
 // token was taken; units are valid during the call. What it throws passes through.
 
+#include <algorithm>
 #include <bit>
 #include <charconv>
 #include <cmath>
@@ -50,6 +52,8 @@ class JsonParser {
   }
 
  private:
+  // Text services count units in 31 bits, and some make several of one.
+  static constexpr std::size_t kMostUnits = 0x3FFFFFFF;
   static constexpr const char* kControlCharacter =
       "a control character in a text must be written as an escape";
 
@@ -165,8 +169,13 @@ class JsonParser {
   }
 
   char16_t* roomFor(std::size_t count) {
-    if (text_.size() - used_ < count) text_.resize(2 * text_.size() + count);
+    if (text_.size() - used_ < count) grow(count);
     return text_.data() + used_;
+  }
+
+  void grow(std::size_t count) {
+    if (count > kMostUnits - used_) fail("the text has more than 1073741823 UTF-16 units");
+    text_.resize(std::min(2 * text_.size() + count, kMostUnits));
   }
 
   void append(char16_t unit) {
@@ -310,7 +319,10 @@ class JsonParser {
   }
 
   void takeDigits() {
-    while (isDigit(source_.peek())) number_ += source_.take();
+    while (isDigit(source_.peek())) {
+      if (number_.size() == kMostUnits) fail("the number has more than 1073741823 digits");
+      number_ += source_.take();
+    }
   }
 
   // False where the type is too small for what was read.

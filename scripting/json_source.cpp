@@ -37,7 +37,8 @@ std::size_t startOfLastLine(std::string_view text) {
 
 }  // namespace
 
-JsonSource::JsonSource(std::string_view text) : buffer_(text), isExhausted_(true) {
+JsonSource::JsonSource(std::string_view text)
+    : buffer_(text), filled_(text.size()), isExhausted_(true) {
   passByteOrderMark();
   goOnAt(0);
 }
@@ -73,15 +74,15 @@ bool JsonSource::readOn() {
     placeOfMark_ = placeOf(mark_);
     isMarkGone_ = true;
   }
-  const std::string_view served(buffer_.data(), dropped);
+  const std::string_view served = bytes().substr(0, dropped);
   const std::size_t lastLine = startOfLastLine(served);
   if (lastLine > 0) {
     linesBefore_ += static_cast<std::size_t>(std::ranges::count(served, '\n'));
     charactersBefore_ = 0;
   }
   charactersBefore_ += characterCount(served.substr(lastLine));
-  buffer_.erase(0, dropped);
-  const bool isFirst = offset_ == 0 && buffer_.empty();
+  drop(dropped);
+  const bool isFirst = offset_ == 0 && filled_ == 0;
   offset_ += dropped;
   readPiece();
   if (isFirst) passByteOrderMark();
@@ -90,27 +91,30 @@ bool JsonSource::readOn() {
 }
 
 void JsonSource::readPiece() {
-  const std::size_t filled = buffer_.size();
-  buffer_.resize(filled + kPiece);
-  const std::size_t count = read_(buffer_.data() + filled, kPiece);
+  if (buffer_.size() - filled_ < kPiece) buffer_.resize(filled_ + kPiece);
+  const std::size_t count = read_(buffer_.data() + filled_, kPiece);
   isExhausted_ = count == 0;
-  buffer_.resize(filled + count);
+  filled_ += count;
+}
+
+void JsonSource::drop(std::size_t count) {
+  filled_ -= count;
+  std::memmove(buffer_.data(), buffer_.data() + count, filled_);
 }
 
 void JsonSource::passByteOrderMark() {
-  while (!isExhausted_ && buffer_.size() < kByteOrderMark.size() &&
-         kByteOrderMark.starts_with(buffer_)) {
+  while (!isExhausted_ && filled_ < kByteOrderMark.size() && kByteOrderMark.starts_with(bytes())) {
     readPiece();
   }
-  if (!buffer_.starts_with(kByteOrderMark)) return;
-  buffer_.erase(0, kByteOrderMark.size());
+  if (!bytes().starts_with(kByteOrderMark)) return;
+  drop(kByteOrderMark.size());
   offset_ = kByteOrderMark.size();
 }
 
 void JsonSource::goOnAt(std::size_t position) {
-  std::size_t end = buffer_.size();
+  std::size_t end = filled_;
   if (stopsAtLineEnds_) {
-    const std::size_t lineEnd = buffer_.find('\n', position);
+    const std::size_t lineEnd = bytes().find('\n', position);
     isAtLineEnd_ = lineEnd < end;
     end = std::min(end, lineEnd);
   }
@@ -119,8 +123,8 @@ void JsonSource::goOnAt(std::size_t position) {
 }
 
 std::string JsonSource::placeOf(std::size_t offset) const {
-  const std::size_t known = offset > offset_ ? std::min(offset - offset_, buffer_.size()) : 0;
-  const std::string_view before = std::string_view(buffer_).substr(0, known);
+  const std::size_t known = offset > offset_ ? std::min(offset - offset_, filled_) : 0;
+  const std::string_view before = bytes().substr(0, known);
   const std::size_t lastLine = startOfLastLine(before);
   const auto lineEnds = static_cast<std::size_t>(std::ranges::count(before, '\n'));
   const std::size_t column =

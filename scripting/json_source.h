@@ -67,12 +67,16 @@ class JsonSource {
   bool readOn(std::size_t count);
   bool readOn();
   void readPiece();
+  void drop(std::size_t count);  // from the front of the buffer
   void passByteOrderMark();
   // Where the next byte is, and as much behind it as may be taken.
   void goOnAt(std::size_t position);
 
+  [[nodiscard]] std::string_view bytes() const noexcept { return {buffer_.data(), filled_}; }
+
   Read read_;
-  std::string buffer_;
+  std::string buffer_;  // its first `filled_` bytes
+  std::size_t filled_ = 0;
   const char* next_ = buffer_.data();  // the next byte, in the buffer
   const char* end_ = next_;            // the end of what may be taken
   std::size_t offset_ = 0;             // of the buffer's first byte in the whole text

@@ -39,7 +39,6 @@ class Receiver {
     leaf([this, number] { builder_.addNumber(number); });
   }
   void text(std::u16string_view units) {
-    requireShort(units);
     leaf([this, units] { builder_.addText(units); });
   }
   void beginArray() {
@@ -68,7 +67,6 @@ class Receiver {
   }
   void label(std::u16string_view units) {
     markToken();
-    requireShort(units);
     if (builder_.isInside()) {
       builder_.addLabel(units);
     } else {
@@ -95,13 +93,6 @@ class Receiver {
   // What is wrong with a value shows at the end of a token, or at a closing bracket, which
   // is no place to look for it.
   void markToken() { source_.mark(source_.offset() - 1); }
-
-  // Text services count units in 31 bits, and some make several of one.
-  static void requireShort(std::u16string_view units) {
-    constexpr std::size_t kMostUnits = 0x3FFFFFFF;
-    if (units.size() > kMostUnits)
-      throw JsonError("the text has more than 1073741823 UTF-16 units");
-  }
 
   void requireValuePlace() const {
     if (builder_.isInside()) return;

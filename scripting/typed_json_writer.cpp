@@ -16,8 +16,8 @@
 #include "foundation/long_date_time.h"
 #include "foundation/text_encoding.h"
 #include "foundation/url.h"
-#include "values/fetching.h"
 #include "values/keys.h"
+#include "values/prefetching.h"
 #include "values/value.h"
 
 namespace skerrow::scripting {
@@ -171,7 +171,7 @@ class ValueWriter {
 
   void writeList(const ScriptValue& list) {
     writer_.beginArray();
-    forEachFetched(list.items(), [this](const ScriptValue& item) { write(item); });
+    forEachPrefetched(list.items(), [this](const ScriptValue& item) { write(item); });
     writer_.endArray();
   }
 

@@ -9,8 +9,8 @@
 #include <utility>
 
 #include "values/depth.h"
-#include "values/fetching.h"
 #include "values/keys.h"
+#include "values/prefetching.h"
 #include "values/shared_count.h"
 #include "values/value.h"
 
@@ -59,7 +59,7 @@ class ScriptValue::Items : public SharedCount {
   static void destroy(const Items* shared) noexcept {
     auto* block = const_cast<Items*>(shared);
     if (block->count_ == kMany) {
-      forEachFetched(block->many(), [](ScriptValue& item) { item = ScriptValue(); });
+      forEachPrefetched(block->many(), [](ScriptValue& item) { item = ScriptValue(); });
       std::destroy_at(&block->many());
     } else {
       std::destroy_n(block->few(), block->count_);

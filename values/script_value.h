@@ -139,7 +139,7 @@ class ScriptValue {
   [[nodiscard]] std::uint32_t depth() const noexcept;
 
   /// Tells the processor that this value's content is about to be looked at.
-  void fetch() const noexcept {
+  void prefetch() const noexcept {
     if (storage_ != Storage::inlineBytes) __builtin_prefetch(content_.shared);
   }
 

@@ -133,7 +133,7 @@ class Value {
   friend bool operator==(const Value& a, const Value& b);
   [[nodiscard]] std::size_t hash() const noexcept;
   /// Tells the processor that this value's content is about to be looked at.
-  void fetch() const noexcept {
+  void prefetch() const noexcept {
     if (isShared()) __builtin_prefetch(shared_);
   }
 

@@ -1,6 +1,7 @@
 #include "values/value_index.h"
 
 #include <algorithm>
+#include <stdexcept>
 #include <utility>
 
 namespace skerrow {
@@ -12,6 +13,7 @@ void ValueIndex::place(Slot entry) {
 }
 
 void ValueIndex::enter(std::uint32_t hash, std::size_t position) {
+  if (position >= UINT32_MAX) throw std::length_error("There are too many values.");
   if ((count_ + 1) * 3 > slots_.size() * 2) grow();
   place({hash, static_cast<std::uint32_t>(position + 1)});
   ++count_;

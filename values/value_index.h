@@ -61,7 +61,7 @@ class ValueIndex {
         if (likely[i] != kNone) __builtin_prefetch(&valueAt(likely[i]));
       }
       for (std::size_t i = 0; i < count; ++i) {
-        if (likely[i] != kNone) valueAt(likely[i]).fetch();
+        if (likely[i] != kNone) valueAt(likely[i]).prefetch();
       }
       for (std::size_t i = 0; i < count; ++i) {
         if (!isWanted(first + i)) continue;
@@ -103,6 +103,7 @@ class ValueIndex {
     return slots_[slot].entry == 0 ? kNone : slots_[slot].entry - 1;
   }
   [[nodiscard]] std::size_t mask() const noexcept { return slots_.size() - 1; }
+  // Throws std::length_error for a position that a slot cannot hold.
   void enter(std::uint32_t hash, std::size_t position);
   void grow();
   void place(Slot entry);
@@ -114,28 +115,18 @@ class ValueIndex {
 /// A set of values, in the order of their insertion.
 class ValueSet {
  public:
+  ValueSet() = default;
+  explicit ValueSet(std::span<const Value> values) {
+    index_.findOrInsertAll(
+        values, at(), [](std::size_t /*i*/) { return true; },
+        [&](std::size_t i) { values_.push_back(values[i]); });
+  }
+
   /// False when an equal value was there already.
   bool insert(const Value& value) {
     if (index_.findOrInsert(value, values_.size(), at()) != ValueIndex::kNone) return false;
     values_.push_back(value);
     return true;
-  }
-
-  /// Inserts many values; calls `report(i, isNew)` for each in turn.
-  template <class Report>
-  void insertAll(std::span<const Value> values, Report&& report) {
-    std::size_t reported = 0;
-    index_.findOrInsertAll(
-        values, at(), [](std::size_t /*i*/) { return true; },
-        [&](std::size_t i) {
-          values_.push_back(values[i]);
-          for (; reported < i; ++reported) report(reported, false);
-          report(reported++, true);
-        });
-    for (; reported < values.size(); ++reported) report(reported, false);
-  }
-  void insertAll(std::span<const Value> values) {
-    insertAll(values, [](std::size_t /*i*/, bool /*isNew*/) {});
   }
 
   static constexpr std::size_t kNone = ValueIndex::kNone;

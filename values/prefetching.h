@@ -8,13 +8,13 @@
 namespace skerrow {
 
 /// Calls `use` with each item, in order, while the contents of items further on are
-/// on their way from memory. An item has a function fetch().
+/// on their way from memory. An item has a function prefetch().
 template <class Items, class Use>
-void forEachFetched(Items&& items, Use&& use) {
+void forEachPrefetched(Items&& items, Use&& use) {
   constexpr std::size_t kAhead = 16;
   const std::size_t count = items.size();
   for (std::size_t i = 0; i < count; ++i) {
-    if (i + kAhead < count) items[i + kAhead].fetch();
+    if (i + kAhead < count) items[i + kAhead].prefetch();
     use(items[i]);
   }
 }
