@@ -31,6 +31,10 @@ struct DateTimeUnref {
   void operator()(GDateTime* dateTime) const { g_date_time_unref(dateTime); }
 };
 
+struct TimeZoneUnref {
+  void operator()(GTimeZone* timeZone) const { g_time_zone_unref(timeZone); }
+};
+
 // Whether the seconds that the time part spells are 60 or more, which the library
 // would take for 59.
 bool hasExtraSeconds(std::string_view text) {
@@ -45,6 +49,15 @@ bool hasExtraSeconds(std::string_view text) {
     }
   }
   return digits.size() >= 6 && digits[4] >= '6';
+}
+
+// `zone` is that of a text without an offset; null refuses such a text.
+std::optional<std::int64_t> longDateTime(const std::string& text, GTimeZone* zone) {
+  if (text.find('\0') != std::string::npos || hasExtraSeconds(text)) return std::nullopt;
+  const std::unique_ptr<GDateTime, DateTimeUnref> dateTime(
+      g_date_time_new_from_iso8601(text.c_str(), zone));
+  if (!dateTime) return std::nullopt;
+  return g_date_time_to_unix(dateTime.get()) + kSecondsFrom1904To1970;
 }
 
 }  // namespace
@@ -84,11 +97,23 @@ std::optional<std::string> iso8601FromLongDateTime(std::int64_t secondsSince1904
 }
 
 std::optional<std::int64_t> longDateTimeFromIso8601(const std::string& text) {
-  if (text.find('\0') != std::string::npos || hasExtraSeconds(text)) return std::nullopt;
-  const std::unique_ptr<GDateTime, DateTimeUnref> dateTime(
-      g_date_time_new_from_iso8601(text.c_str(), nullptr));
-  if (!dateTime) return std::nullopt;
-  return g_date_time_to_unix(dateTime.get()) + kSecondsFrom1904To1970;
+  return longDateTime(text, nullptr);
+}
+
+std::optional<std::int64_t> longDateTimeFromPlainIso8601(std::string text) {
+  constexpr std::size_t kDateLength = 10;     // 2024-03-01
+  constexpr std::size_t kMinutesLength = 16;  // 2024-03-01T15:05
+  const std::size_t space = text.find(' ', kMinutesLength);
+  if (space != std::string::npos && text.find_first_of("+-", space) == space + 1) {
+    text.erase(space, 1);
+  }
+  if (text.size() == kDateLength) text += "T00:00:00";
+  const bool hasMinutes = text.size() >= kMinutesLength && text[13] == ':';
+  if (hasMinutes && (text.size() == kMinutesLength || text[kMinutesLength] != ':')) {
+    text.insert(kMinutesLength, ":00");
+  }
+  const std::unique_ptr<GTimeZone, TimeZoneUnref> local(g_time_zone_new_local());
+  return longDateTime(text, local.get());
 }
 
 }  // namespace skerrow::foundation

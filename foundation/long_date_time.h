@@ -24,4 +24,8 @@ std::optional<std::string> iso8601FromLongDateTime(std::int64_t secondsSince1904
 /// Any ISO 8601 date and time with an offset from UTC. A fraction of a second is dropped.
 std::optional<std::int64_t> longDateTimeFromIso8601(const std::string& text);
 
+/// The same as people write it: the seconds or the whole time may be missing, which are
+/// 0 then, and the offset, which makes it local time; a space may stand before the offset.
+std::optional<std::int64_t> longDateTimeFromPlainIso8601(std::string text);
+
 }  // namespace skerrow::foundation

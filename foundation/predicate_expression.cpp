@@ -159,7 +159,7 @@ const Value* CastExpression::evaluate(PredicateEvaluation& evaluation, Value& ro
       if (kind == Kind::number) return put(Date{operand->number().asReal()}, room);
       if (kind != Kind::text) return nullptr;
       const std::optional<std::int64_t> seconds =
-          longDateTimeFromIso8601(utf8FromUtf16(operand->text()));
+          longDateTimeFromPlainIso8601(utf8FromUtf16(operand->text()));
       return seconds ? put(dateFromLongDateTime(*seconds), room) : nullptr;
     }
   }

@@ -28,7 +28,8 @@ class Expression {
   Expression& operator=(const Expression&) = delete;
   virtual ~Expression() = default;
 
-  /// The value, or null for none. It lies in `room`, in the item or in the tree, or
+  /// The value, which may be missing value; no pointer where an operand is of the wrong
+  /// kind. It lies in `room`, in the item or in the tree, or
   /// it is a variable itself, which may be set anew while it is looked at.
   virtual const Value* evaluate(PredicateEvaluation& evaluation, Value& room) const = 0;
 

@@ -43,7 +43,7 @@ class PredicateParser {
   using Keyword = PredicateKeyword;
   using TokenKind = PredicateToken::Kind;
 
-  enum Precedence : int { kNone, kOr, kAnd, kNot, kComparison, kSum, kProduct, kSign, kPower };
+  enum Precedence : int { kNone, kOr, kAnd, kComparison, kSum, kProduct, kSign, kPower };
 
   // What has been read: an expression or a condition, where it begins and how deep it is.
   struct Operand {

@@ -95,7 +95,6 @@ PredicateToken PredicateScanner::next() {
       readSymbol(token);
     }
   }
-  token.end = place_;
   return token;
 }
 

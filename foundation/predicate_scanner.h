@@ -26,8 +26,7 @@ struct PredicateToken {
 
   Kind kind = Kind::end;
   std::size_t begin = 0;  ///< in units of the format
-  std::size_t end = 0;
-  std::u16string text;  ///< of words, texts, variables (without $), placeholders and symbols
+  std::u16string text;    ///< of words, texts, variables (without $), placeholders and symbols
   Value number;
 
   [[nodiscard]] bool isSymbol(std::u16string_view symbol) const {

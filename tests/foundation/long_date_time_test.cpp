@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <ctime>
 #include <limits>
 #include <string>
 
@@ -135,6 +136,40 @@ TEST(Iso8601, RefusesWhatIsNoDateAndTimeWithAnOffset) {
   for (const std::string& text : rows) {
     EXPECT_EQ(longDateTimeFromIso8601(text), std::nullopt) << text;
   }
+}
+
+TEST(PlainIso8601, ReadsWhatPeopleWrite) {
+  const IsoRow rows[] = {
+      {"2024-03-01T15:05:00Z", 3792150300},         {"2024-03-01 15:05:00 +0000", 3792150300},
+      {"2024-03-01 17:05:00.5 +02:00", 3792150300}, {"2024-03-01T15:05Z", 3792150300},
+      {"2024-03-01 13:05 -0200", 3792150300},
+  };
+  for (const IsoRow& row : rows) {
+    EXPECT_EQ(longDateTimeFromPlainIso8601(row.text), row.seconds) << row.text;
+  }
+}
+
+TEST(PlainIso8601, IsLocalTimeWithoutAnOffset) {
+  std::tm midnight{};
+  midnight.tm_year = 124;
+  midnight.tm_mon = 2;
+  midnight.tm_mday = 1;
+  midnight.tm_isdst = -1;
+  const std::int64_t expected = std::mktime(&midnight) + 2082844800;
+  for (const char* const text : {"2024-03-01", "2024-03-01T00:00", "2024-03-01 00:00:00"}) {
+    EXPECT_EQ(longDateTimeFromPlainIso8601(text), expected) << text;
+  }
+  EXPECT_EQ(longDateTimeFromPlainIso8601("2024-03-01T15:05"), expected + 54300);
+}
+
+TEST(PlainIso8601, RefusesWhatIsNoDate) {
+  for (const char* const text :
+       {"", " ", "now", "2024", "2024-03", "2024-13-01", "2024-03-01T", "2024-03-01 15",
+        "2024-03-01 15:60", "2024-03-01 15:05:00 ", "2024-03-01 15:05:00 +", "15:05",
+        "2024-03-01 15:05:00 CET", "0000-01-01"}) {
+    EXPECT_EQ(longDateTimeFromPlainIso8601(text), std::nullopt) << text;
+  }
+  EXPECT_EQ(longDateTimeFromPlainIso8601(std::string("2024-03-01\0", 11)), std::nullopt);
 }
 
 RC_GTEST_PROP(Iso8601, EverySecondOfTheseYearsReadsBack, ()) {

@@ -137,6 +137,8 @@ TEST(Predicate, CallsFunctions) {
       {u"CAST(born, 'NSNumber') = -1000", true},
       {u"CAST(-1000, 'NSDate') = born", true},
       {u"CAST('2001-01-01T00:00:10Z', 'NSDate') = CAST(10, 'NSDate')", true},
+      {u"CAST('2001-01-01 00:00:10 +0000', 'NSDate') = CAST(10, 'NSDate')", true},
+      {u"CAST('2001-01-02', 'NSDate') > CAST('2001-01-01T12:00', 'NSDate')", true},
       {u"CAST(CAST(0, 'NSDate'), 'NSString') = '2001-01-01T00:00:00Z'", true},
       {u"born < CAST(0, 'NSDate')", true},
       {u"TERNARY(age > 30, 'old', 'young') = 'old'", true},
