@@ -270,14 +270,14 @@ void TypedJsonBuilder::closeObject(const Frame& frame) {
   const Reading form = readAsForm(frame, labels, values);
   const bool isForm = form.value || !form.problem.empty();
   const bool isFirst = isUnderRecordLabel(frame);
-  Reading plain{std::nullopt, frame.first ? frame.first->problem : ""};
+  Reading plain{std::nullopt, frame.candidate ? frame.candidate->problem : ""};
   if ((!isForm || isFirst) && plain.problem.empty()) plain.value = recordFrom(labels, values);
   const Reading& reading = isForm ? form : plain;
   close(frame, reading.value.value_or(ScriptValue()));
   if (isFirst) {
     std::string problem = reading.problem;
-    frames_.back().first =
-        std::make_unique<FirstMember>(FirstMember{std::move(plain), std::move(problem)});
+    frames_.back().candidate =
+        std::make_unique<RecordCandidate>(RecordCandidate{std::move(plain), std::move(problem)});
   } else if (!reading.problem.empty()) {
     refuse(reading.problem);
   }
@@ -297,8 +297,8 @@ ScriptValue TypedJsonBuilder::take() { return std::exchange(values_, {}).front()
 TypedJsonBuilder::Reading TypedJsonBuilder::readAsForm(const Frame& frame, Labels labels,
                                                        Values values) const {
   if (labels.size() == 1 && labels.front() == kRecord) {
-    if (!frame.first) return {std::nullopt, "“$record” needs an object"};
-    return frame.first->asPlainRecord;
+    if (!frame.candidate) return {std::nullopt, "“$record” needs an object"};
+    return frame.candidate->asPlainRecord;
   }
   try {
     return {specialForm(labels, values), {}};

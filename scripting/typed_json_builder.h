@@ -54,25 +54,27 @@ class TypedJsonBuilder {
   [[nodiscard]] ScriptValue take();
 
  private:
-  // What an object can be read as. Most can be read as one thing only; the object
-  // under "$record" is a plain record if that is the only label beside it, and that
-  // shows only later.
+  // What an object can be read as. Most can be read as one thing only. In
+  //   {"$record": {"$date": "tomorrow"}}
+  // the inner object is a record with the label $date, but in
+  //   {"$record": {"$date": "tomorrow"}, "a": 1}
+  // it is a date that cannot be read. Which of them it is shows only behind it, so
+  // both readings are kept until the outer object closes or has another label.
   struct Reading {
     std::optional<ScriptValue> value;
     std::string problem;  // why it cannot be read so
   };
-  // An object that is the first member of another, under "$record".
-  struct FirstMember {
+  struct RecordCandidate {
     Reading asPlainRecord;
-    std::string problem;  // of it unless it is read as a plain record
+    std::string problem;  // of the other reading
   };
   struct Frame {
     bool isObject;
     bool hasFormLabel;  // one that begins like those of the special forms
     std::size_t firstValue;
     std::size_t firstLabel;
-    std::size_t labelHash;                    // of all labels so far
-    std::unique_ptr<FirstMember> first = {};  // if it may be the form that holds a record
+    std::size_t labelHash;                            // of all labels so far
+    std::unique_ptr<RecordCandidate> candidate = {};  // the first member, under "$record"
   };
   using Labels = std::span<const std::u16string_view>;
   using Values = std::span<const ScriptValue>;
