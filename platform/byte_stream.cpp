@@ -59,7 +59,7 @@ std::size_t InputFile::read(char* buffer, std::size_t capacity) {
 }
 
 OutputStream::OutputStream(int descriptor, std::string name)
-    : descriptor_(descriptor), name_(std::move(name)), buffer_(kCapacity, '\0') {}
+    : descriptor_(descriptor), name_(std::move(name)) {}
 
 OutputStream OutputStream::standardOutput() { return {STDOUT_FILENO, "standard output"}; }
 

@@ -2,6 +2,7 @@
 // Reading and writing bytes: files and the standard streams. Errors are thrown
 // as PlatformError. One thread at a time for each object.
 
+#include <array>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -54,7 +55,9 @@ class OutputStream {
   int descriptor_;
   std::string name_;
   std::size_t used_ = 0;
-  std::string buffer_;
+  // Inside, as giving a large block back makes the allocator tidy all that it has, at the
+  // very time when somebody waits for the end.
+  std::array<char, kCapacity> buffer_{};
 };
 
 /// The whole content of a regular file.
