@@ -4,9 +4,16 @@
 #include <utility>
 
 #include "foundation/predicate_parser.h"
+#include "foundation/quoted_text.h"
 #include "foundation/text_encoding.h"
 
 namespace skerrow::foundation {
+
+namespace {
+
+std::string noFunction(std::u16string_view name) { return "there is no function " + quoted(name); }
+
+}  // namespace
 
 // A value and the keys and indexes behind it, or a condition in brackets.
 PredicateParser::Operand PredicateParser::parseValue() {
@@ -278,7 +285,7 @@ ExpressionPointer PredicateParser::parseCall(const PredicateToken& name, std::si
   }
   const PredicateFunction* const function = PredicateFunction::named(fullName);
   if (function == nullptr) {
-    fail(name.begin, "there is no function “" + utf8FromUtf16(fullName) + "”");
+    fail(name.begin, noFunction(fullName));
   }
   expectSymbol(u"(", "“(” is missing behind the name of a function");
   std::vector<ExpressionPointer> arguments = parseList(u")", height);
@@ -303,14 +310,19 @@ ExpressionPointer PredicateParser::parseFunctionForm(std::size_t place, std::siz
   expectSymbol(u"(", "“(” is missing behind FUNCTION");
   std::vector<ExpressionPointer> arguments = parseList(u")", height);
   ++height;
+  const Value* unknown = nullptr;
   for (std::size_t i = 0; i < std::min<std::size_t>(arguments.size(), 2); ++i) {
     const Value* const name = arguments[i]->constant();
-    const PredicateFunction* const function =
-        name != nullptr && name->isText() ? PredicateFunction::named(name->text()) : nullptr;
-    if (function == nullptr) continue;
+    if (name == nullptr || !name->isText()) continue;
+    const PredicateFunction* const function = PredicateFunction::named(name->text());
+    if (function == nullptr) {
+      unknown = name;
+      continue;
+    }
     arguments.erase(arguments.begin() + static_cast<std::ptrdiff_t>(i));
     return call(*function, std::move(arguments), place);
   }
+  if (unknown != nullptr) fail(place, noFunction(unknown->text()));
   fail(place, R"(FUNCTION needs the name of a function, as in FUNCTION("sum:", list))");
 }
 

@@ -146,6 +146,7 @@ TEST(Predicate, SaysWhatIsWrongWithAFormatAndWhere) {
       {u"FUNCTION(1, 2) = 3",
        "“FUNCTION(1, 2) = 3” (character 1): FUNCTION needs the name of a "
        "function, as in FUNCTION(\"sum:\", list)."},
+      {u"FUNCTION(a, 'b') = 3", "“FUNCTION(a, 'b') = 3” (character 1): there is no function “b”."},
       {u"FUNCTION = 3", "“= 3” (character 10): “(” is missing behind FUNCTION."},
       {u"CAST(1, 'NSColor') = 1",
        "“'NSColor') = 1” (character 9): CAST goes to \"NSNumber\", \"NSString\" or \"NSDate\"."},
