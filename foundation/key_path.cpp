@@ -48,8 +48,9 @@ namespace {
 
 constinit const Value kNull{};
 
-// What it costs to make an item of a list, beside the keys that lead to it.
-constexpr std::size_t kStepsOfItem = 16;
+// What it costs to make a list and each item of it, beside the keys that lead there.
+constexpr std::size_t kStepsOfList = 16;
+constexpr std::size_t kStepsOfItem = 4;
 
 std::string nameOf(Kind kind) {
   switch (kind) {
@@ -150,6 +151,7 @@ const Value* KeyPath::follow(std::size_t index, const Value& from, Value& room, 
   Value made;
   for (; index < keys_.size() && !current->isNull(); ++index) {
     const Key& key = keys_[index];
+    walk.steps.spend(1);
     walk.failure.index = index;
     if (current->isRecord() && key.collectionOperator == Operator::none) {
       const Value* const found = current->record().find(key.name);
@@ -179,7 +181,7 @@ const Value* KeyPath::follow(std::size_t index, const Value& from, Value& room, 
 
 // What the keys from one on give for every item of a list.
 bool KeyPath::followItems(std::size_t index, const Value& list, Value& into, Walk& walk) const {
-  walk.steps.spend(list.items().size() * (kStepsOfItem + keys_.size() - index));
+  walk.steps.spend(kStepsOfList + kStepsOfItem * list.items().size());
   std::vector<Value> found(list.items().size());
   for (std::size_t i = 0; i < found.size(); ++i) {
     Value room;

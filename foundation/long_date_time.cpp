@@ -2,6 +2,7 @@
 
 #include <glib.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
@@ -104,12 +105,13 @@ std::optional<std::int64_t> longDateTimeFromPlainIso8601(std::string text) {
   constexpr std::size_t kDateLength = 10;     // 2024-03-01
   constexpr std::size_t kMinutesLength = 16;  // 2024-03-01T15:05
   const std::size_t space = text.find(' ', kMinutesLength);
-  if (space != std::string::npos && text.find_first_of("+-", space) == space + 1) {
+  if (space != std::string::npos && text.find_first_of("+-Z", space) == space + 1) {
     text.erase(space, 1);
   }
   if (text.size() == kDateLength) text += "T00:00:00";
   const bool hasMinutes = text.size() >= kMinutesLength && text[13] == ':';
-  if (hasMinutes && (text.size() == kMinutesLength || text[kMinutesLength] != ':')) {
+  if (hasMinutes &&
+      std::min(text.find_first_of("+-Z", kMinutesLength), text.size()) == kMinutesLength) {
     text.insert(kMinutesLength, ":00");
   }
   const std::unique_ptr<GTimeZone, TimeZoneUnref> local(g_time_zone_new_local());

@@ -28,7 +28,7 @@ bool looksForText(Comparison comparison) {
 // Comparing texts costs little, unless they are long.
 void spendOnTexts(std::u16string_view left, std::u16string_view right,
                   PredicateEvaluation& evaluation) {
-  constexpr std::size_t kUnitsOfStep = 16;
+  constexpr std::size_t kUnitsOfStep = 4;
   evaluation.steps().spend((left.size() + right.size()) / kUnitsOfStep);
 }
 

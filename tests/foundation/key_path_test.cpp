@@ -232,6 +232,15 @@ TEST(KeyPath, CutsALongKeyInItsReason) {
   }
 }
 
+TEST(KeyPath, LooksUpAllAlongALongPath) {
+  std::u16string path = u"self";
+  for (int i = 0; i < 3000; ++i) path += u".self";
+  const Value numbers = list(std::vector<Value>(5000, integer(1)));
+  int looks = 0;
+  (void)KeyPath(path).valueIn(numbers, StepBudget(StepBudget::kUnlimited, [&looks] { ++looks; }));
+  EXPECT_GE(looks, 10);
+}
+
 TEST(KeyPath, FindsWithoutAnExceptionForWhomNeedsNoReason) {
   Value room;
   StepBudget steps;

@@ -142,7 +142,8 @@ TEST(PlainIso8601, ReadsWhatPeopleWrite) {
   const IsoRow rows[] = {
       {"2024-03-01T15:05:00Z", 3792150300},         {"2024-03-01 15:05:00 +0000", 3792150300},
       {"2024-03-01 17:05:00.5 +02:00", 3792150300}, {"2024-03-01T15:05Z", 3792150300},
-      {"2024-03-01 13:05 -0200", 3792150300},
+      {"2024-03-01 13:05 -0200", 3792150300},       {"2024-03-01 15:05:00 Z", 3792150300},
+      {"2024-03-01 15:05 Z", 3792150300},
   };
   for (const IsoRow& row : rows) {
     EXPECT_EQ(longDateTimeFromPlainIso8601(row.text), row.seconds) << row.text;
@@ -166,7 +167,7 @@ TEST(PlainIso8601, RefusesWhatIsNoDate) {
   for (const char* const text :
        {"", " ", "now", "2024", "2024-03", "2024-13-01", "2024-03-01T", "2024-03-01 15",
         "2024-03-01 15:60", "2024-03-01 15:05:00 ", "2024-03-01 15:05:00 +", "15:05",
-        "2024-03-01 15:05:00 CET", "0000-01-01"}) {
+        "2024-03-01 15:05:00 CET", "2024-03-01T15:05.5Z", "2024-03-01T15:05.5", "0000-01-01"}) {
     EXPECT_EQ(longDateTimeFromPlainIso8601(text), std::nullopt) << text;
   }
   EXPECT_EQ(longDateTimeFromPlainIso8601(std::string("2024-03-01\0", 11)), std::nullopt);

@@ -384,6 +384,7 @@ TEST(Predicate, EndsWhereWorkOnOneItemHasNoMeasure) {
   const Value text(std::u16string(100'000, u'a'));
   const std::u16string_view onTexts[] = {
       u"SUBQUERY($many, $x, $text CONTAINS[cd] $x) = nil",
+      u"SUBQUERY($many, $x, CAST($text, 'NSNumber') = 1) = nil",
       u"SUBQUERY($many, $x, length($text) = 1) = nil",
   };
   const Record variables{{Value(u"many"), list(std::vector<Value>(50'000, Value(u"b")))},
@@ -395,6 +396,18 @@ TEST(Predicate, EndsWhereWorkOnOneItemHasNoMeasure) {
   EXPECT_THROW(
       (void)Predicate::parse(u"SELF LIKE '*" + repeated(u"a?", 10'000) + u"b'").evaluate(text),
       PredicateError);
+}
+
+TEST(Predicate, ComparesSomeThousandItemsWithEachOther) {
+  const auto thing = [](int number) {
+    return Value(Record{{Value(u"p"), integer(number)}, {Value(u"s"), Value(u"x0")}});
+  };
+  const Record item{{Value(u"l"), list(std::vector<Value>(2000, thing(0)))}};
+  for (const std::u16string_view format : {u"SUBQUERY(l, $x, $x.p >= l.@avg.p).@count = 2000",
+                                           u"SUBQUERY(l, $x, $x.p IN l.p).@count = 2000",
+                                           u"SUBQUERY(l, $x, ANY l.s == $x.s).@count = 2000"}) {
+    EXPECT_TRUE(Predicate::parse(format).evaluate(Value(item))) << utf8FromUtf16(format);
+  }
 }
 
 TEST(Predicate, LooksUpNowAndThen) {
