@@ -199,8 +199,9 @@ bool KeyPath::lookUp(const Key& key, const Value& from, Value& into, Walk& walk)
     into = from;
     return true;
   }
-  if (textKeys_ == TextKeys::published && from.isText() && lookUpInText(key, from, into)) {
-    return true;
+  if (textKeys_ == TextKeys::published && from.isText()) {
+    walk.steps.spendOnText(from.text().size());
+    if (lookUpInText(key, from, into)) return true;
   }
   walk.failure.kind = Failure::Kind::noKeys;
   walk.failure.valueKind = from.kind();

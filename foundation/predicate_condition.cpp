@@ -25,13 +25,6 @@ bool looksForText(Comparison comparison) {
   }
 }
 
-// Comparing texts costs little, unless they are long.
-void spendOnTexts(std::u16string_view left, std::u16string_view right,
-                  PredicateEvaluation& evaluation) {
-  constexpr std::size_t kUnitsOfStep = 4;
-  evaluation.steps().spend((left.size() + right.size()) / kUnitsOfStep);
-}
-
 }  // namespace
 
 Truth CompoundCondition::evaluate(PredicateEvaluation& evaluation) const {
@@ -143,7 +136,7 @@ bool ComparisonCondition::isEqual(const Value& left, const Value& right,
                                   PredicateEvaluation& evaluation) const {
   if (left.kind() != right.kind()) return false;
   if (left.isText()) {
-    spendOnTexts(left.text(), right.text(), evaluation);
+    evaluation.steps().spendOnText(left.text().size() + right.text().size());
     if (!relation_.isLiteral())
       return relation_.isEqual(left.text(), right.text(), evaluation.texts());
   } else if (left.isList() || left.isRecord()) {
@@ -158,7 +151,7 @@ std::optional<std::partial_ordering> ComparisonCondition::order(
   if (left.kind() != right.kind()) return std::nullopt;
   switch (left.kind()) {
     case Kind::text:
-      spendOnTexts(left.text(), right.text(), evaluation);
+      evaluation.steps().spendOnText(left.text().size() + right.text().size());
       return relation_.order(left.text(), right.text(), evaluation.texts());
     case Kind::number:
     case Kind::date:
@@ -198,7 +191,7 @@ Truth ComparisonCondition::isIn(const Value& part, const Value& whole,
   if (!whole.isText()) return Truth::unknown;
   if (part.isNull()) return Truth::no;
   if (!part.isText()) return Truth::unknown;
-  spendOnTexts(part.text(), whole.text(), evaluation);
+  evaluation.steps().spendOnText(part.text().size() + whole.text().size());
 
   // The constant is the part in CONTAINS and the whole in IN.
   TextRelation::Workspace& work = evaluation.texts();
@@ -212,7 +205,7 @@ Truth ComparisonCondition::isIn(const Value& part, const Value& whole,
 Truth ComparisonCondition::relateTexts(const Value& left, const Value& right,
                                        PredicateEvaluation& evaluation) const {
   if (!left.isText() || !right.isText()) return Truth::unknown;
-  spendOnTexts(left.text(), right.text(), evaluation);
+  evaluation.steps().spendOnText(left.text().size() + right.text().size());
   if (parts_.comparison == Comparison::matches) {
     const MatchCase matchCase =
         relation_.options().caseInsensitive ? MatchCase::insensitive : MatchCase::sensitive;

@@ -17,8 +17,6 @@ namespace {
 // What an item of a list costs that is copied, or asked a condition, in steps.
 constexpr std::size_t kStepsOfCopy = 4;
 constexpr std::size_t kStepsOfCondition = 8;
-// How much of a text that is read as something else a step pays for.
-constexpr std::size_t kUnitsOfStep = 4;
 
 const Value* put(Value value, Value& room) {
   room = std::move(value);
@@ -140,7 +138,7 @@ const Value* CastExpression::evaluate(PredicateEvaluation& evaluation, Value& ro
   if (operand == nullptr) return nullptr;
   if (operand->isNull()) return put(Value(), room);
   const Kind kind = operand->kind();
-  if (kind == Kind::text) evaluation.steps().spend(operand->text().size() / kUnitsOfStep);
+  if (kind == Kind::text) evaluation.steps().spendOnText(operand->text().size());
   switch (target_) {
     case Target::number:
       if (kind == Kind::number) return put(*operand, room);

@@ -6,12 +6,6 @@
 
 namespace skerrow::foundation {
 
-namespace {
-
-constexpr std::size_t kUnitsOfStep = 16;
-
-}  // namespace
-
 void StepBudget::share(std::uint64_t steps) noexcept {
   untilLook_ = std::min(steps, kStepsBetweenLooks);
   afterLook_ = steps - untilLook_;
@@ -25,11 +19,8 @@ void StepBudget::spendAndLook(std::uint64_t steps) {
 
 // Values nest at most kMaximumDepth deep.
 void StepBudget::spendOnContent(const Value& value) {
-  if (value.isText()) {
-    spend(1 + value.text().size() / kUnitsOfStep);
-    return;
-  }
   spend(1);
+  if (value.isText()) spendOnText(value.text().size());
   if (!value.isList() && !value.isRecord()) return;
   for (const Value& item : value.isList() ? value.items() : value.record().values()) {
     spendOnContent(item);

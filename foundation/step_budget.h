@@ -3,6 +3,7 @@
 // predicates and key paths are, counts its steps before it takes them, so that it
 // ends where it would have no end, and looks up from time to time.
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <limits>
@@ -43,11 +44,15 @@ class StepBudget {
     }
   }
 
+  /// Pays for reading, comparing or changing a text of so many units. Short ones are free.
+  void spendOnText(std::size_t units) { spend(units / kUnitsOfStep); }
+
   /// Pays for a walk through everything in a value, before the walk.
   void spendOnContent(const Value& value);
 
  private:
   static constexpr std::uint64_t kStepsBetweenLooks = 1U << 20U;
+  static constexpr std::size_t kUnitsOfStep = 4;
 
   void share(std::uint64_t steps) noexcept;
   void spendAndLook(std::uint64_t steps);

@@ -385,6 +385,7 @@ TEST(Predicate, EndsWhereWorkOnOneItemHasNoMeasure) {
   const std::u16string_view onTexts[] = {
       u"SUBQUERY($many, $x, $text CONTAINS[cd] $x) = nil",
       u"SUBQUERY($many, $x, CAST($text, 'NSNumber') = 1) = nil",
+      u"SUBQUERY($many, $x, ($text).uppercaseString = 1) = nil",
       u"SUBQUERY($many, $x, length($text) = 1) = nil",
   };
   const Record variables{{Value(u"many"), list(std::vector<Value>(50'000, Value(u"b")))},

@@ -57,8 +57,8 @@ TEST(StepBudget, ContentCostsEveryItemOfIt) {
   costs(numbers, 11);
   costs(Value(std::vector<Value>{numbers, numbers}), 23);
   costs(Value(Record{{Value(u"a"), numbers}, {Value(u"b"), Value()}}), 13);
-  costs(Value(u"short"), 1);
-  costs(Value(std::u16string(1600, u'a')), 101);
+  costs(Value(u"abc"), 1);
+  costs(Value(std::u16string(1600, u'a')), 401);
 }
 
 }  // namespace
