@@ -8,7 +8,7 @@
 #include <stdexcept>
 
 #include "bench/timing.h"
-#include "text/regex_service.h"
+#include "text/regex/regex_service.h"
 
 namespace {
 

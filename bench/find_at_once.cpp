@@ -5,7 +5,7 @@
 #include <thread>
 
 #include "bench/timing.h"
-#include "text/regex_service.h"
+#include "text/regex/regex_service.h"
 
 namespace {
 

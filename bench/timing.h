@@ -9,8 +9,8 @@
 #include <string>
 
 #include "core/unpack.h"
-#include "foundation/text_encoding.h"
-#include "foundation/url.h"
+#include "foundation/text/text_encoding.h"
+#include "foundation/url/url.h"
 #include "values/text.h"
 
 namespace skerrow::bench {

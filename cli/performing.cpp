@@ -14,8 +14,8 @@
 #include "platform/byte_stream.h"
 #include "platform/platform_error.h"
 #include "scripting/dispatcher.h"
-#include "scripting/typed_json_reader.h"
-#include "scripting/typed_json_writer.h"
+#include "scripting/json/typed_json_reader.h"
+#include "scripting/json/typed_json_writer.h"
 
 namespace skerrow::cli {
 

@@ -10,7 +10,7 @@
 #include "cli/performing.h"
 #include "platform/byte_stream.h"
 #include "platform/platform_error.h"
-#include "scripting/typed_json_builder.h"
+#include "scripting/json/typed_json_builder.h"
 
 namespace skerrow::cli {
 

@@ -7,10 +7,10 @@
 #include <utility>
 #include <vector>
 
-#include "foundation/code_text.h"
-#include "foundation/long_date_time.h"
-#include "foundation/text_encoding.h"
-#include "foundation/url.h"
+#include "foundation/date/long_date_time.h"
+#include "foundation/encoding/code_text.h"
+#include "foundation/text/text_encoding.h"
+#include "foundation/url/url.h"
 #include "values/keys.h"
 #include "values/prefetching.h"
 #include "values/record.h"

@@ -5,9 +5,9 @@
 #include <cstdlib>
 #include <string>
 
-#include "foundation/entity_escape.h"
-#include "foundation/percent_escape.h"
-#include "foundation/text_encoding.h"
+#include "foundation/encoding/entity_escape.h"
+#include "foundation/encoding/percent_escape.h"
+#include "foundation/text/text_encoding.h"
 
 using namespace skerrow::foundation;
 

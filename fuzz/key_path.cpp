@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "foundation/key_path.h"
-#include "foundation/text_encoding.h"
+#include "foundation/key_path/key_path.h"
+#include "foundation/text/text_encoding.h"
 #include "values/record.h"
 #include "values/value.h"
 

@@ -9,8 +9,8 @@
 #include <cstdlib>
 #include <string>
 
-#include "foundation/number_scanner.h"
-#include "foundation/text_encoding.h"
+#include "foundation/number/number_scanner.h"
+#include "foundation/text/text_encoding.h"
 
 using namespace skerrow::foundation;
 

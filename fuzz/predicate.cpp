@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "foundation/predicate.h"
-#include "foundation/text_encoding.h"
+#include "foundation/predicate/predicate.h"
+#include "foundation/text/text_encoding.h"
 #include "values/record.h"
 #include "values/value.h"
 

@@ -10,8 +10,8 @@
 #include <string>
 #include <vector>
 
-#include "foundation/text_encoding.h"
-#include "text/regex_service.h"
+#include "foundation/text/text_encoding.h"
+#include "text/regex/regex_service.h"
 
 using skerrow::Text;
 using skerrow::Value;

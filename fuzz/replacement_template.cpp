@@ -7,8 +7,8 @@
 #include <cstdlib>
 #include <string>
 
-#include "foundation/text_encoding.h"
-#include "text/regex_service.h"
+#include "foundation/text/text_encoding.h"
+#include "text/regex/regex_service.h"
 
 using skerrow::Text;
 

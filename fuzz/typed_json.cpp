@@ -10,9 +10,9 @@
 
 #include "core/pack.h"
 #include "core/unpack.h"
-#include "scripting/json_source.h"
-#include "scripting/typed_json_reader.h"
-#include "scripting/typed_json_writer.h"
+#include "scripting/json/json_source.h"
+#include "scripting/json/typed_json_reader.h"
+#include "scripting/json/typed_json_writer.h"
 
 namespace {
 

@@ -11,8 +11,8 @@
 #include "core/command.h"
 #include "core/script_error.h"
 #include "core/unpack.h"
-#include "foundation/character_sets.h"
-#include "foundation/number_text.h"
+#include "foundation/number/number_text.h"
+#include "foundation/text/character_sets.h"
 
 namespace skerrow::lists {
 

@@ -13,8 +13,8 @@
 #include "core/command.h"
 #include "core/script_error.h"
 #include "core/unpack.h"
-#include "foundation/predicate.h"
-#include "foundation/text_encoding.h"
+#include "foundation/predicate/predicate.h"
+#include "foundation/text/text_encoding.h"
 #include "lists/list_input.h"
 
 namespace skerrow::lists {

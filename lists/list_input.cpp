@@ -1,7 +1,7 @@
 #include "lists/list_input.h"
 
 #include "core/unpack.h"
-#include "foundation/code_text.h"
+#include "foundation/encoding/code_text.h"
 
 namespace skerrow::lists {
 

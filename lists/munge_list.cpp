@@ -10,7 +10,7 @@
 
 #include "core/command.h"
 #include "core/unpack.h"
-#include "foundation/text_sort.h"
+#include "foundation/collation/text_sort.h"
 #include "lists/distinct.h"
 #include "lists/list_input.h"
 #include "lists/sort_criteria.h"

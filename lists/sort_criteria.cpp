@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "core/unpack.h"
-#include "foundation/value_order.h"
+#include "foundation/number/value_order.h"
 
 namespace skerrow::lists {
 

@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "core/command.h"
-#include "foundation/text_comparison.h"
-#include "foundation/text_sort.h"
+#include "foundation/collation/text_comparison.h"
+#include "foundation/collation/text_sort.h"
 #include "values/value.h"
 
 namespace skerrow::lists {

@@ -9,7 +9,7 @@
 #include "core/command.h"
 #include "core/script_error.h"
 #include "core/unpack.h"
-#include "foundation/key_path.h"
+#include "foundation/key_path/key_path.h"
 #include "lists/list_input.h"
 
 namespace skerrow::lists {

@@ -11,8 +11,8 @@
 #include "core/pack.h"
 #include "core/script_error.h"
 #include "core/unpack.h"
-#include "foundation/code_text.h"
-#include "foundation/text_encoding.h"
+#include "foundation/encoding/code_text.h"
+#include "foundation/text/text_encoding.h"
 
 namespace skerrow::scripting {
 

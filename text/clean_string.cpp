@@ -11,7 +11,7 @@
 #include "core/script_error.h"
 #include "text/pattern_replacement.h"
 #include "text/quote_curling.h"
-#include "text/regex_service.h"
+#include "text/regex/regex_service.h"
 #include "text/space_tidying.h"
 #include "text/text_input.h"
 #include "text/working_text.h"

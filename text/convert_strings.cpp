@@ -12,10 +12,10 @@
 
 #include "core/command.h"
 #include "core/script_error.h"
-#include "foundation/date_parser.h"
-#include "foundation/number_scanner.h"
-#include "foundation/text_comparison.h"
-#include "foundation/text_encoding.h"
+#include "foundation/collation/text_comparison.h"
+#include "foundation/date/date_parser.h"
+#include "foundation/number/number_scanner.h"
+#include "foundation/text/text_encoding.h"
 #include "text/text_input.h"
 
 namespace skerrow::text {

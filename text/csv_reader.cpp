@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "foundation/character_sets.h"
+#include "foundation/text/character_sets.h"
 
 namespace skerrow::text {
 

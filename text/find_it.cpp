@@ -13,9 +13,9 @@
 #include "core/command.h"
 #include "core/script_error.h"
 #include "core/unpack.h"
-#include "foundation/text_encoding.h"
+#include "foundation/text/text_encoding.h"
 #include "text/pattern_replacement.h"
-#include "text/regex_service.h"
+#include "text/regex/regex_service.h"
 #include "text/text_input.h"
 
 namespace skerrow::text {

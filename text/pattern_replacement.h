@@ -7,8 +7,8 @@
 
 #include "core/cancel_token.h"
 #include "core/command.h"
-#include "foundation/match_watch.h"
-#include "text/regex_service.h"
+#include "foundation/regex/match_watch.h"
+#include "text/regex/regex_service.h"
 #include "text/working_text.h"
 
 namespace skerrow::text {

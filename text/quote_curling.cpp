@@ -3,8 +3,8 @@
 #include <cstddef>
 #include <string_view>
 
-#include "foundation/character_sets.h"
-#include "foundation/code_points.h"
+#include "foundation/text/character_sets.h"
+#include "foundation/text/code_points.h"
 
 namespace skerrow::text {
 

@@ -9,8 +9,8 @@
 #include "core/command.h"
 #include "core/script_error.h"
 #include "core/unpack.h"
-#include "foundation/text_encoding.h"
-#include "foundation/text_search.h"
+#include "foundation/collation/text_search.h"
+#include "foundation/text/text_encoding.h"
 #include "text/text_input.h"
 
 namespace skerrow::text {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "foundation/character_sets.h"
+#include "foundation/text/character_sets.h"
 
 namespace skerrow::text {
 

@@ -12,8 +12,8 @@
 
 #include "core/command.h"
 #include "core/script_error.h"
-#include "foundation/code_points.h"
-#include "foundation/text_search.h"
+#include "foundation/collation/text_search.h"
+#include "foundation/text/code_points.h"
 #include "text/text_input.h"
 
 namespace skerrow::text {

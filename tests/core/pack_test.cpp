@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "core/unpack.h"
-#include "foundation/code_text.h"
+#include "foundation/encoding/code_text.h"
 #include "tests/support/building.h"
 #include "tests/support/generators.h"
 #include "values/depth.h"

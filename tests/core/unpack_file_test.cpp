@@ -9,7 +9,7 @@
 
 #include "core/script_error.h"
 #include "core/unpack.h"
-#include "foundation/url.h"
+#include "foundation/url/url.h"
 #include "platform/platform_error.h"
 #include "tests/support/building.h"
 #include "tests/support/describe.h"

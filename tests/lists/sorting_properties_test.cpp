@@ -11,8 +11,8 @@
 #include <utility>
 #include <vector>
 
-#include "foundation/number_arithmetic.h"
-#include "foundation/text_comparison.h"
+#include "foundation/collation/text_comparison.h"
+#include "foundation/number/number_arithmetic.h"
 #include "tests/lists/command_results.h"
 #include "values/record.h"
 

@@ -14,7 +14,7 @@
 #include "core/application_delegate.h"
 #include "core/operation_queue.h"
 #include "core/script_compiler.h"
-#include "foundation/text_encoding.h"
+#include "foundation/text/text_encoding.h"
 #include "tests/scripting/test_commands.h"
 #include "tests/support/building.h"
 #include "tests/support/describe.h"

@@ -9,7 +9,7 @@
 #include "core/command.h"
 #include "core/script_error.h"
 #include "core/unpack.h"
-#include "foundation/text_encoding.h"
+#include "foundation/text/text_encoding.h"
 #include "tests/support/describe.h"
 
 namespace skerrow {

@@ -4,8 +4,8 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "scripting/typed_json_reader.h"
-#include "scripting/typed_json_writer.h"
+#include "scripting/json/typed_json_reader.h"
+#include "scripting/json/typed_json_writer.h"
 #include "tests/support/in_process.h"
 #include "tests/support/program.h"
 

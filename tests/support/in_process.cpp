@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "scripting/typed_json_reader.h"
-#include "scripting/typed_json_writer.h"
+#include "scripting/json/typed_json_reader.h"
+#include "scripting/json/typed_json_writer.h"
 
 namespace skerrow::tests {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "foundation/character_sets.h"
+#include "foundation/text/character_sets.h"
 #include "tests/support/properties.h"
 
 namespace skerrow::text {

@@ -11,7 +11,7 @@
 #include <variant>
 
 #include "core/unpack.h"
-#include "foundation/text_encoding.h"
+#include "foundation/text/text_encoding.h"
 #include "tests/support/in_process.h"
 #include "tests/support/scratch_folder.h"
 

@@ -5,9 +5,9 @@
 #include <random>
 #include <string>
 
-#include "foundation/text_encoding.h"
+#include "foundation/text/text_encoding.h"
 #include "tests/text/text_literal.h"
-#include "text/regex_service.h"
+#include "text/regex/regex_service.h"
 
 namespace skerrow::text {
 namespace {

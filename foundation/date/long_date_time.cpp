@@ -1,0 +1,121 @@
+#include "foundation/date/long_date_time.h"
+
+#include <glib.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <memory>
+#include <string_view>
+
+namespace skerrow::foundation {
+
+namespace {
+
+using std::chrono::sys_days;
+using std::chrono::sys_seconds;
+using namespace std::chrono_literals;
+
+constexpr std::int64_t kSecondsFrom1904To1970 =
+    (sys_seconds(sys_days(1970y / 1 / 1)) - sys_seconds(sys_days(1904y / 1 / 1))).count();
+static_assert((sys_seconds(sys_days(2001y / 1 / 1)) - sys_seconds(sys_days(1904y / 1 / 1)))
+                  .count() == kSecondsFrom1904To2001);
+
+constexpr std::int64_t kFirstSecond =
+    sys_seconds(sys_days(1y / 1 / 1)).time_since_epoch().count() + kSecondsFrom1904To1970;
+constexpr std::int64_t kEndSecond =
+    sys_seconds(sys_days(std::chrono::year(10000) / 1 / 1)).time_since_epoch().count() +
+    kSecondsFrom1904To1970;
+
+struct DateTimeUnref {
+  void operator()(GDateTime* dateTime) const { g_date_time_unref(dateTime); }
+};
+
+struct TimeZoneUnref {
+  void operator()(GTimeZone* timeZone) const { g_time_zone_unref(timeZone); }
+};
+
+// Whether the seconds that the time part spells are 60 or more, which the library
+// would take for 59.
+bool hasExtraSeconds(std::string_view text) {
+  const std::size_t time = text.find_first_of("Tt ");
+  if (time == std::string_view::npos) return false;
+  std::string digits;
+  for (const char character : text.substr(time + 1)) {
+    if (g_ascii_isdigit(character) != 0) {
+      digits += character;
+    } else if (character != ':') {
+      break;
+    }
+  }
+  return digits.size() >= 6 && digits[4] >= '6';
+}
+
+// `zone` is that of a text without an offset; null refuses such a text.
+std::optional<std::int64_t> longDateTime(const std::string& text, GTimeZone* zone) {
+  if (text.find('\0') != std::string::npos || hasExtraSeconds(text)) return std::nullopt;
+  const std::unique_ptr<GDateTime, DateTimeUnref> dateTime(
+      g_date_time_new_from_iso8601(text.c_str(), zone));
+  if (!dateTime) return std::nullopt;
+  return g_date_time_to_unix(dateTime.get()) + kSecondsFrom1904To1970;
+}
+
+}  // namespace
+
+Date dateFromLongDateTime(std::int64_t secondsSince1904) {
+  // The difference first: it is exact for every date that a double can tell apart.
+  if (secondsSince1904 < INT64_MIN + kSecondsFrom1904To2001) {
+    return {static_cast<double>(secondsSince1904) - static_cast<double>(kSecondsFrom1904To2001)};
+  }
+  return {static_cast<double>(secondsSince1904 - kSecondsFrom1904To2001)};
+}
+
+std::optional<std::int64_t> longDateTimeFromDate(Date date) {
+  constexpr double kTwoTo63 = 9223372036854775808.0;
+  const double whole = std::floor(date.seconds);
+  if (!(whole >= -kTwoTo63 && whole < kTwoTo63)) return std::nullopt;
+  std::int64_t seconds = 0;
+  if (__builtin_add_overflow(static_cast<std::int64_t>(whole), kSecondsFrom1904To2001, &seconds)) {
+    return std::nullopt;
+  }
+  return seconds;
+}
+
+std::optional<std::string> iso8601FromLongDateTime(std::int64_t secondsSince1904) {
+  if (secondsSince1904 < kFirstSecond || secondsSince1904 >= kEndSecond) return std::nullopt;
+  const sys_seconds moment(std::chrono::seconds(secondsSince1904 - kSecondsFrom1904To1970));
+  const auto day = std::chrono::floor<std::chrono::days>(moment);
+  const std::chrono::year_month_day date(day);
+  const std::chrono::hh_mm_ss time(moment - day);
+  char text[32];
+  const int length = std::snprintf(
+      text, sizeof text, "%04d-%02u-%02uT%02d:%02d:%02dZ", static_cast<int>(date.year()),
+      static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
+      static_cast<int>(time.hours().count()), static_cast<int>(time.minutes().count()),
+      static_cast<int>(time.seconds().count()));
+  return std::string(text, static_cast<std::size_t>(length));
+}
+
+std::optional<std::int64_t> longDateTimeFromIso8601(const std::string& text) {
+  return longDateTime(text, nullptr);
+}
+
+std::optional<std::int64_t> longDateTimeFromPlainIso8601(std::string text) {
+  constexpr std::size_t kDateLength = 10;     // 2024-03-01
+  constexpr std::size_t kMinutesLength = 16;  // 2024-03-01T15:05
+  const std::size_t space = text.find(' ', kMinutesLength);
+  if (space != std::string::npos && text.find_first_of("+-Z", space) == space + 1) {
+    text.erase(space, 1);
+  }
+  if (text.size() == kDateLength) text += "T00:00:00";
+  const bool hasMinutes = text.size() >= kMinutesLength && text[13] == ':';
+  if (hasMinutes &&
+      std::min(text.find_first_of("+-Z", kMinutesLength), text.size()) == kMinutesLength) {
+    text.insert(kMinutesLength, ":00");
+  }
+  const std::unique_ptr<GTimeZone, TimeZoneUnref> local(g_time_zone_new_local());
+  return longDateTime(text, local.get());
+}
+
+}  // namespace skerrow::foundation

@@ -1,0 +1,61 @@
+#include "foundation/predicate/predicate_evaluation.h"
+
+#include <chrono>
+#include <utility>
+
+#include "foundation/text/text_encoding.h"
+
+namespace skerrow::foundation {
+
+PredicateEvaluation::PredicateEvaluation(std::size_t variableCount, std::size_t matchCount,
+                                         StepBudget::Look look)
+    : variables_(variableCount), steps_(kMaximumSteps, look), matches_(matchCount) {
+  matchWatch_.timeLimit = std::chrono::seconds(3);
+  if (!look) return;
+  matchWatch_.isStopped = [look = std::move(look)] {
+    look();
+    return false;
+  };
+}
+
+const Value& PredicateEvaluation::variable(std::size_t slot, const Value& name) const {
+  if (variables_[slot].isSet) return variables_[slot].value;
+  const Value* const given = given_ != nullptr ? given_->find(name) : nullptr;
+  if (given == nullptr) {
+    throw EvaluationFault("there is no value for the variable “$" + utf8FromUtf16(name.text()) +
+                          "”");
+  }
+  return *given;
+}
+
+void PredicateEvaluation::assign(std::size_t slot, Value value) {
+  variables_[slot] = {std::move(value), true};
+  hasAssigned_ = true;
+}
+
+void PredicateEvaluation::forgetVariables() {
+  for (Variable& variable : variables_) variable = {};
+  hasAssigned_ = false;
+}
+
+std::mt19937_64& PredicateEvaluation::random() {
+  if (random_.empty()) random_.emplace_back(std::random_device()());
+  return random_.front();
+}
+
+// A variable that an assignment set inside the binding is forgotten with it.
+PredicateEvaluation::Binding::Binding(PredicateEvaluation& evaluation, std::size_t slot)
+    : evaluation_(evaluation),
+      slot_(slot),
+      before_(std::exchange(evaluation.variables_[slot].value, Value())),
+      wasSet_(std::exchange(evaluation.variables_[slot].isSet, true)) {}
+
+PredicateEvaluation::Binding::~Binding() {
+  evaluation_.variables_[slot_] = {std::move(before_), wasSet_};
+}
+
+void PredicateEvaluation::Binding::set(Value value) {
+  evaluation_.variables_[slot_].value = std::move(value);
+}
+
+}  // namespace skerrow::foundation
