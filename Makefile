@@ -3,7 +3,7 @@
 JOBS ?= $(shell nproc)
 PREFIX ?= /usr/local
 
-rooms := $(wildcard values platform foundation core scripting lists text files app \
+rooms := $(wildcard work values platform foundation core scripting lists text files app \
                     bus osa desktop cli service)
 sources := $(shell find $(rooms) $(wildcard tests fuzz bench) -name '*.cpp' -o -name '*.h')
 

@@ -27,6 +27,7 @@ ROWS = [
     ["foundation/text"],
     ["platform"],
     ["values"],
+    ["work"],
 ]
 
 # What only some places may include: its name, its headers, the places (path prefixes).
