@@ -10,13 +10,20 @@
 
 namespace skerrow::work {
 
+namespace {
+
+// The allowance while nobody measures. Half of what the number holds, as what is left is
+// more than the allowance where less than nothing has been taken.
+constexpr std::int64_t kUnmeasured = std::numeric_limits<std::int64_t>::max() / 2;
+constexpr std::size_t kMost = static_cast<std::size_t>(kUnmeasured);
+
+}  // namespace
+
 namespace detail {
-constinit thread_local Tally tally = {0, std::numeric_limits<std::int64_t>::max()};
+constinit thread_local Tally tally = {0, kUnmeasured};
 }  // namespace detail
 
 namespace {
-
-constexpr std::size_t kMost = static_cast<std::size_t>(std::numeric_limits<std::int64_t>::max());
 
 using detail::tally;
 
