@@ -92,12 +92,9 @@ TextComparator::TextComparator(TextComparison comparison, const std::string& loc
                              u_errorName(status) + ".");
   }
   setAttribute(collator_.get(), UCOL_NORMALIZATION_MODE, UCOL_ON);
-  if (comparison == TextComparison::sortLocalized) {
-    setAttribute(collator_.get(), UCOL_STRENGTH, UCOL_TERTIARY);
-    return;
-  }
-  // Case and width are differences of the third level.
-  setAttribute(collator_.get(), UCOL_STRENGTH, UCOL_SECONDARY);
+  // Case and width are differences of the third level, which counts only where the
+  // levels before it find none: as a tie-break.
+  setAttribute(collator_.get(), UCOL_STRENGTH, UCOL_TERTIARY);
   if (comparison == TextComparison::sortLocalizedStandard) {
     setAttribute(collator_.get(), UCOL_NUMERIC_COLLATION, UCOL_ON);
   }

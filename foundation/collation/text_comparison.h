@@ -17,8 +17,9 @@ enum class TextComparison : std::uint8_t {
   sortPlain,            ///< literally, by UTF-16 unit
   sortLocalized,        ///< by the rules of the language; canonically equivalent texts are equal
   sortCaseInsensitive,  ///< case folded (Unicode case folding), no locale
-  sortCaseInsensitiveLocalized,  ///< by the rules of the language without case
-  sortLocalizedStandard,  ///< as file managers show names: without case and width, digits by value
+  /// By the rules of the language, case only where all else is equal.
+  sortCaseInsensitiveLocalized,
+  sortLocalizedStandard,  ///< the same as file managers show names: digits by value
 };
 
 /// The language whose rules a user wants: that of the environment, except that the
@@ -37,9 +38,10 @@ class TextComparator {
   TextComparator& operator=(TextComparator&&) noexcept;
   ~TextComparator();
 
-  /// Texts that are equal but for what a case-insensitive or standard comparison
-  /// leaves out get a fixed order, the literal one. So only sortLocalized can find
-  /// different texts equivalent.
+  /// Texts that differ only in case have a fixed order: that of the language, where
+  /// small letters mostly come first, or without a language the literal one. Texts that
+  /// not even case tells apart are ordered literally; only sortLocalized takes
+  /// canonically equivalent texts as equal.
   [[nodiscard]] std::weak_ordering compare(std::u16string_view a, std::u16string_view b) const;
 
   [[nodiscard]] TextComparison comparison() const noexcept { return comparison_; }
