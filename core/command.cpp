@@ -20,8 +20,8 @@ struct Unanswered {
 
 }  // namespace
 
-void Arguments::set(std::string_view key, Value value) {
-  const auto there = std::ranges::find(values_, key, &std::pair<std::string, Value>::first);
+void Arguments::set(ArgumentKey key, Value value) {
+  const auto there = std::ranges::find(values_, key, &std::pair<ArgumentKey, Value>::first);
   if (there != values_.end()) {
     there->second = std::move(value);
   } else {
@@ -29,17 +29,17 @@ void Arguments::set(std::string_view key, Value value) {
   }
 }
 
-const Value* Arguments::find(std::string_view key) const noexcept {
-  const auto found = std::ranges::find(values_, key, &std::pair<std::string, Value>::first);
+const Value* Arguments::find(ArgumentKey key) const noexcept {
+  const auto found = std::ranges::find(values_, key, &std::pair<ArgumentKey, Value>::first);
   return found == values_.end() ? nullptr : &found->second;
 }
 
-bool Arguments::isSet(std::string_view key) const noexcept {
+bool Arguments::isSet(ArgumentKey key) const noexcept {
   const Value* value = find(key);
   return value != nullptr && value->isNumber() && value->number().isNonZero();
 }
 
-std::optional<std::int64_t> Arguments::integer(std::string_view key) const noexcept {
+std::optional<std::int64_t> Arguments::integer(ArgumentKey key) const noexcept {
   const Value* value = find(key);
   if (value == nullptr || !value->isNumber()) return std::nullopt;
   return value->number().asInteger();

@@ -17,6 +17,7 @@
 #include <variant>
 #include <vector>
 
+#include "core/argument_key.h"
 #include "core/cancel_token.h"
 #include "core/script_error.h"
 #include "core/shared_services.h"
@@ -49,18 +50,18 @@ struct CommandContext {
 /// them: plain Values, lists of raw items, or raw values, as each is declared.
 class Arguments {
  public:
-  void set(std::string_view key, Value value);
+  void set(ArgumentKey key, Value value);
 
   /// The argument, or null when the script left it out.
-  [[nodiscard]] const Value* find(std::string_view key) const noexcept;
-  [[nodiscard]] bool has(std::string_view key) const noexcept { return find(key) != nullptr; }
+  [[nodiscard]] const Value* find(ArgumentKey key) const noexcept;
+  [[nodiscard]] bool has(ArgumentKey key) const noexcept { return find(key) != nullptr; }
   /// Set when present and true.
-  [[nodiscard]] bool isSet(std::string_view key) const noexcept;
+  [[nodiscard]] bool isSet(ArgumentKey key) const noexcept;
   /// The integer given, or nothing. The argument is declared as an integer.
-  [[nodiscard]] std::optional<std::int64_t> integer(std::string_view key) const noexcept;
+  [[nodiscard]] std::optional<std::int64_t> integer(ArgumentKey key) const noexcept;
 
  private:
-  std::vector<std::pair<std::string, Value>> values_;
+  std::vector<std::pair<ArgumentKey, Value>> values_;
 };
 
 class Command : public std::enable_shared_from_this<Command> {

@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "argument_keys/SKWAllLabelsOfRecord.h"
 #include "core/command.h"
 #include "core/unpack.h"
 #include "lists/list_input.h"
@@ -15,6 +16,7 @@ namespace skerrow::lists {
 
 namespace {
 
+namespace key = argument_keys::SKWAllLabelsOfRecord;
 using Items = std::vector<Value>;
 
 class SKWAllLabelsOfRecord final : public core::Command {
@@ -24,7 +26,7 @@ class SKWAllLabelsOfRecord final : public core::Command {
 
   std::optional<Value> compute() override {
     const Record record = recordFrom(*directParameter(), kDirectParameter);
-    const Value* values = evaluatedArguments().find("forValues");
+    const Value* values = evaluatedArguments().find(key::forValues);
     Items labels;
     if (values == nullptr) {
       for (const Record::Field& field : record.fields()) labels.push_back(field.key);

@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "argument_keys/SKWCompareRecord.h"
 #include "core/command.h"
 #include "lists/list_input.h"
 #include "values/record.h"
@@ -13,6 +14,7 @@ namespace skerrow::lists {
 
 namespace {
 
+namespace key = argument_keys::SKWCompareRecord;
 using Items = std::vector<Value>;
 
 // Whether an entry is compared by its label alone or with its value.
@@ -37,9 +39,9 @@ class SKWCompareRecord final : public core::Command {
 
   std::optional<Value> compute() override {
     const Record a = recordFrom(*directParameter(), kDirectParameter);
-    const Record b = recordArgument(evaluatedArguments(), "toRecord");
+    const Record b = recordArgument(evaluatedArguments(), key::toRecord);
     const auto comparing =
-        evaluatedArguments().isSet("inRecords") ? Comparing::labels : Comparing::entries;
+        evaluatedArguments().isSet(key::inRecords) ? Comparing::labels : Comparing::entries;
     return Items{without(a, b, comparing), without(b, a, comparing)};
   }
 };

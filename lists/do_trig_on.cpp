@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "argument_keys/SKWDoTrigOn.h"
 #include "core/command.h"
 #include "core/script_error.h"
 #include "core/unpack.h"
@@ -20,6 +21,7 @@ using namespace literals;
 
 namespace {
 
+namespace key = argument_keys::SKWDoTrigOn;
 using core::ErrorEntry;
 using core::ScriptError;
 using Items = std::vector<Value>;
@@ -58,7 +60,7 @@ class SKWDoTrigOn final : public core::Command {
       answerAtOnce(Items{});
       return;
     }
-    const Value* argument = evaluatedArguments().find("usingFunction");
+    const Value* argument = evaluatedArguments().find(key::usingFunction);
     const std::u16string_view name = argument == nullptr ? u"" : argument->text();
     const auto trimmed = foundation::trimmedRange(name).of(name);
     const auto* found = std::ranges::find(kFunctions, trimmed, &NamedFunction::name);

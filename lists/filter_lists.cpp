@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "argument_keys/SKWFilterLists.h"
 #include "core/command.h"
 #include "core/script_error.h"
 #include "core/unpack.h"
@@ -23,6 +24,7 @@ using namespace literals;
 
 namespace {
 
+namespace key = argument_keys::SKWFilterLists;
 using core::ErrorEntry;
 using core::ScriptError;
 using foundation::Predicate;
@@ -121,13 +123,13 @@ class SKWFilterLists final : public core::Command {
 
   std::optional<Value> compute() override {
     std::vector<ScriptValue> items = (*takeDirectParameter()).takeItems();
-    const bool isInSublists = evaluatedArguments().isSet("doSublists");
+    const bool isInSublists = evaluatedArguments().isSet(key::doSublists);
     const auto isList = [](const ScriptValue& item) { return item.type() == "list"_code; };
     if (isInSublists && !std::ranges::all_of(items, isList)) {
       throw ScriptError(kSublistNotAList);
     }
     std::vector<Predicate> predicates;
-    if (const Value* given = evaluatedArguments().find("predicateList")) {
+    if (const Value* given = evaluatedArguments().find(key::predicateList)) {
       predicates = predicatesFrom(given->raw());
       for (Predicate& predicate : predicates) {
         predicate.setLook([this] { cancelToken().throwIfCancelled(); });

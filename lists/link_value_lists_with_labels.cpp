@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "argument_keys/SKWLinkValueListsWithLabels.h"
 #include "core/command.h"
 #include "core/script_error.h"
 #include "core/unpack.h"
@@ -17,6 +18,8 @@ namespace skerrow::lists {
 
 namespace {
 
+namespace key = argument_keys::SKWLinkValueListsWithLabels;
+
 constexpr core::ErrorEntry kNotAList = {1395, "One of the items of the target list is not a list."};
 constexpr core::ErrorEntry kCountsDiffer = {1396,
                                             "Number of values does not match number of labels."};
@@ -25,7 +28,7 @@ class SKWLinkValueListsWithLabels final : public core::Command {
   void check() override { requireList(directParameter()); }
 
   std::optional<Value> compute() override {
-    const auto labels = labelsArgument(evaluatedArguments(), "withLabels");
+    const auto labels = labelsArgument(evaluatedArguments(), key::withLabels);
     Keys keys;                        // which all the records share
     std::vector<std::size_t> places;  // of each label; where one is repeated, the last value counts
     for (const Value& label : labels) {

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "argument_keys/SKWLinkValuesWithLabels.h"
 #include "core/command.h"
 #include "core/script_error.h"
 #include "lists/list_input.h"
@@ -15,6 +16,8 @@ namespace skerrow::lists {
 
 namespace {
 
+namespace key = argument_keys::SKWLinkValuesWithLabels;
+
 constexpr core::ErrorEntry kCountsDiffer = {1390,
                                             "Number of values does not match number of labels."};
 
@@ -23,10 +26,10 @@ class SKWLinkValuesWithLabels final : public core::Command {
 
   // Values are carried over as they were given.
   std::optional<Value> compute() override {
-    const auto labels = labelsArgument(evaluatedArguments(), "withLabels");
+    const auto labels = labelsArgument(evaluatedArguments(), key::withLabels);
     Record record;
-    if (evaluatedArguments().has("inRecord")) {
-      record = recordArgument(evaluatedArguments(), "inRecord");
+    if (evaluatedArguments().has(key::inRecord)) {
+      record = recordArgument(evaluatedArguments(), key::inRecord);
     }
     const ScriptValue values = *takeDirectParameter();
     if (values.items().size() != labels.size()) throw core::ScriptError(kCountsDiffer);

@@ -11,7 +11,7 @@ namespace {
 
 using scripting::refuseItem;
 
-const Value& required(const core::Arguments& arguments, std::string_view key,
+const Value& required(const core::Arguments& arguments, core::ArgumentKey key,
                       std::string_view needed) {
   const Value* argument = arguments.find(key);
   if (argument == nullptr) refuseMissing(key, needed);
@@ -35,7 +35,7 @@ std::optional<Value> asLabel(const ScriptValue& value) {
 
 // The labels among items, of each of which `rawOf` gives the raw value.
 template <class Items, class RawOf>
-std::vector<Value> labelsOf(const Items& items, std::string_view parameter, RawOf rawOf) {
+std::vector<Value> labelsOf(const Items& items, core::ArgumentKey parameter, RawOf rawOf) {
   std::vector<Value> labels;
   labels.reserve(items.size());
   for (const auto& item : items) {
@@ -53,17 +53,17 @@ void requireList(const std::optional<ScriptValue>& direct) {
   if (direct->type() != "list"_code) refuseKind(kDirectParameter, "a list", *direct);
 }
 
-Record recordFrom(const ScriptValue& value, std::string_view parameter) {
+Record recordFrom(const ScriptValue& value, core::ArgumentKey parameter) {
   auto record = asRecord(value);
   if (!record) refuseKind(parameter, "a record", value);
   return std::move(*record);
 }
 
-Record recordArgument(const core::Arguments& arguments, std::string_view key) {
+Record recordArgument(const core::Arguments& arguments, core::ArgumentKey key) {
   return recordFrom(required(arguments, key, "a record").raw(), key);
 }
 
-std::vector<Record> recordsArgument(const core::Arguments& arguments, std::string_view key) {
+std::vector<Record> recordsArgument(const core::Arguments& arguments, core::ArgumentKey key) {
   const auto items = required(arguments, key, "a list of records").items();
   std::vector<Record> records;
   records.reserve(items.size());
@@ -75,17 +75,17 @@ std::vector<Record> recordsArgument(const core::Arguments& arguments, std::strin
   return records;
 }
 
-Value labelFrom(const ScriptValue& value, std::string_view parameter) {
+Value labelFrom(const ScriptValue& value, core::ArgumentKey parameter) {
   auto label = asLabel(value);
   if (!label) refuseKind(parameter, "a label", value);
   return std::move(*label);
 }
 
-std::vector<Value> labelsFrom(const ScriptValue& list, std::string_view parameter) {
+std::vector<Value> labelsFrom(const ScriptValue& list, core::ArgumentKey parameter) {
   return labelsOf(list.items(), parameter, [](const ScriptValue& item) { return &item; });
 }
 
-std::vector<Value> labelsArgument(const core::Arguments& arguments, std::string_view key) {
+std::vector<Value> labelsArgument(const core::Arguments& arguments, core::ArgumentKey key) {
   return labelsOf(required(arguments, key, "a list of labels").items(), key,
                   [](const Value& item) { return &item.raw(); });
 }

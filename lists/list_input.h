@@ -4,7 +4,6 @@
 // own for it, is refused with -1700 and a message that names the parameter.
 
 #include <optional>
-#include <string_view>
 #include <vector>
 
 #include "core/command.h"
@@ -23,20 +22,20 @@ using scripting::refuseMissing;
 void requireList(const std::optional<ScriptValue>& direct);
 
 /// The record that a value unpacks to; refuses any other value.
-Record recordFrom(const ScriptValue& value, std::string_view parameter);
+Record recordFrom(const ScriptValue& value, core::ArgumentKey parameter);
 /// An argument that is declared as a record; refuses its absence.
-Record recordArgument(const core::Arguments& arguments, std::string_view key);
+Record recordArgument(const core::Arguments& arguments, core::ArgumentKey key);
 
 /// The records of an argument that is declared as a list; refuses its absence and
 /// other items.
-std::vector<Record> recordsArgument(const core::Arguments& arguments, std::string_view key);
+std::vector<Record> recordsArgument(const core::Arguments& arguments, core::ArgumentKey key);
 
 /// The key that a label names in records: its text, or for the name of a class or
 /// property its code between « and ». Refuses anything else.
-Value labelFrom(const ScriptValue& value, std::string_view parameter);
+Value labelFrom(const ScriptValue& value, core::ArgumentKey parameter);
 /// The keys of a list of labels; refuses other items.
-std::vector<Value> labelsFrom(const ScriptValue& list, std::string_view parameter);
+std::vector<Value> labelsFrom(const ScriptValue& list, core::ArgumentKey parameter);
 /// The keys of an argument that is declared as a list; refuses its absence.
-std::vector<Value> labelsArgument(const core::Arguments& arguments, std::string_view key);
+std::vector<Value> labelsArgument(const core::Arguments& arguments, core::ArgumentKey key);
 
 }  // namespace skerrow::lists

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "argument_keys/SKWLookInListFor.h"
 #include "core/command.h"
 #include "core/script_error.h"
 #include "core/unpack.h"
@@ -16,6 +17,7 @@ namespace skerrow::lists {
 
 namespace {
 
+namespace key = argument_keys::SKWLookInListFor;
 using core::ErrorEntry;
 using core::ScriptError;
 using Items = std::vector<Value>;
@@ -35,14 +37,14 @@ class SKWLookInListFor final : public core::Command {
       return;
     }
     const core::Arguments& arguments = evaluatedArguments();
-    const Value* item = arguments.find("matchingItem");
-    const Value* items = arguments.find("matchingItems");
+    const Value* item = arguments.find(key::matchingItem);
+    const Value* items = arguments.find(key::matchingItems);
     if (item != nullptr && items != nullptr) throw ScriptError(kBothGiven);
     if (item == nullptr && items == nullptr) throw ScriptError(kNoneGiven);
     targets_ = item != nullptr ? Value(Items{*item}) : *items;
-    isInverted_ = arguments.isSet("invertingValue");
-    isOnlyFirst_ = arguments.isSet("onlyFirst");
-    isInSublists_ = arguments.isSet("doSublists");
+    isInverted_ = arguments.isSet(key::invertingValue);
+    isOnlyFirst_ = arguments.isSet(key::onlyFirst);
+    isInSublists_ = arguments.isSet(key::doSublists);
   }
 
   std::optional<Value> compute() override {

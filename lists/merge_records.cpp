@@ -10,6 +10,7 @@
 #include <variant>
 #include <vector>
 
+#include "argument_keys/SKWMergeRecords.h"
 #include "core/command.h"
 #include "core/script_error.h"
 #include "core/unpack.h"
@@ -21,6 +22,7 @@ namespace skerrow::lists {
 
 namespace {
 
+namespace key = argument_keys::SKWMergeRecords;
 using core::ErrorEntry;
 using core::ScriptError;
 using Items = std::vector<Value>;
@@ -140,7 +142,7 @@ class SKWMergeRecords final : public core::Command {
 
   // A code that names no type stands for combining.
   [[nodiscard]] MergeType mergeType() const {
-    const auto code = evaluatedArguments().integer("mergeType");
+    const auto code = evaluatedArguments().integer(key::mergeType);
     const auto first = static_cast<std::int64_t>(MergeType::mergeCombine);
     const auto last = static_cast<std::int64_t>(MergeType::mergeSubtract);
     if (!code || *code < first || *code > last) return MergeType::mergeCombine;

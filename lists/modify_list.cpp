@@ -10,6 +10,7 @@
 #include <string_view>
 #include <utility>
 
+#include "argument_keys/SKWModifyList.h"
 #include "core/pack.h"
 #include "core/unpack.h"
 #include "lists/distinct.h"
@@ -24,6 +25,7 @@ using core::ScriptError;
 
 namespace {
 
+namespace key = argument_keys::SKWModifyList;
 constexpr ErrorEntry kNotAList = {1121, "Direct parameter is not a list."};
 constexpr ErrorEntry kExtraAfterFlattening = {
     1122, "Can't perform 'xtra cols to rows' after flattening."};
@@ -284,7 +286,7 @@ enum class Asked { byPresence, byValue };
 enum class Reading { asGiven, unpackedBeforehand };
 
 struct Change {
-  std::string_view key;
+  core::ArgumentKey key;
   Asked asked;
   void (*apply)(Items& list, const Givens& givens);
   Reading reading = Reading::asGiven;
@@ -292,26 +294,26 @@ struct Change {
 
 // Kept: the changes are made in this order, whatever the order of the call.
 constexpr Change kChanges[] = {
-    {"addingPadding", Asked::byPresence, pad},
-    {"swapColsAndRows", Asked::byValue, transpose},
-    {"deletingIndexes", Asked::byPresence, deleteItems},
-    {"flattening", Asked::byValue, flatten},
-    {"fullFlattening", Asked::byValue, flattenFully},
-    {"groupingEvery", Asked::byPresence, group},
-    {"insertingInOrder", Asked::byPresence, insertColumn},
-    {"insertingItem", Asked::byPresence, insertItem},
-    {"insertingItems", Asked::byPresence, insertItems},
-    {"intersectingWithList", Asked::byPresence, intersect, Reading::unpackedBeforehand},
-    {"makingUnique", Asked::byValue, makeUnique},
-    {"mergingIndexes", Asked::byPresence, merge},
-    {"movingIndex", Asked::byValue, moveItem},
-    {"removingBlanks", Asked::byValue, removeBlanks},
-    {"replacingNullsWith", Asked::byPresence, replaceMissing},
-    {"subtractingList", Asked::byPresence, subtract, Reading::unpackedBeforehand},
-    {"swappingIndexes", Asked::byPresence, swapItems},
-    {"trimmingBlanks", Asked::byValue, trimBlanks},
-    {"xtraColsToRows", Asked::byValue, transpose},
-    {"reversingOrder", Asked::byValue, reverse},
+    {key::addingPadding, Asked::byPresence, pad},
+    {key::swapColsAndRows, Asked::byValue, transpose},
+    {key::deletingIndexes, Asked::byPresence, deleteItems},
+    {key::flattening, Asked::byValue, flatten},
+    {key::fullFlattening, Asked::byValue, flattenFully},
+    {key::groupingEvery, Asked::byPresence, group},
+    {key::insertingInOrder, Asked::byPresence, insertColumn},
+    {key::insertingItem, Asked::byPresence, insertItem},
+    {key::insertingItems, Asked::byPresence, insertItems},
+    {key::intersectingWithList, Asked::byPresence, intersect, Reading::unpackedBeforehand},
+    {key::makingUnique, Asked::byValue, makeUnique},
+    {key::mergingIndexes, Asked::byPresence, merge},
+    {key::movingIndex, Asked::byValue, moveItem},
+    {key::removingBlanks, Asked::byValue, removeBlanks},
+    {key::replacingNullsWith, Asked::byPresence, replaceMissing},
+    {key::subtractingList, Asked::byPresence, subtract, Reading::unpackedBeforehand},
+    {key::swappingIndexes, Asked::byPresence, swapItems},
+    {key::trimmingBlanks, Asked::byValue, trimBlanks},
+    {key::xtraColsToRows, Asked::byValue, transpose},
+    {key::reversingOrder, Asked::byValue, reverse},
 };
 
 }  // namespace
@@ -326,11 +328,11 @@ void SKWModifyList::check() {
     throw ScriptError(kNotAList);
   }
   const core::Arguments& arguments = evaluatedArguments();
-  if (arguments.isSet("xtraColsToRows") &&
-      (arguments.isSet("flattening") || arguments.isSet("fullFlattening"))) {
+  if (arguments.isSet(key::xtraColsToRows) &&
+      (arguments.isSet(key::flattening) || arguments.isSet(key::fullFlattening))) {
     throw ScriptError(kExtraAfterFlattening);
   }
-  beforeIndex_ = arguments.integer("beforeIndex").value_or(1);
+  beforeIndex_ = arguments.integer(key::beforeIndex).value_or(1);
   for (const Change& change : kChanges) {
     const Value* argument = arguments.find(change.key);
     if (argument == nullptr) continue;
@@ -346,7 +348,7 @@ std::optional<Value> SKWModifyList::compute() {
     }
   }
   Value list = core::unpackAEList(*takeDirectParameter());
-  if (!evaluatedArguments().isSet("doSublists")) return changed(std::move(list).takeItems());
+  if (!evaluatedArguments().isSet(key::doSublists)) return changed(std::move(list).takeItems());
   Items packed;
   for (Value& sublist : std::move(list).takeItems()) {
     cancelToken().throwIfCancelled();

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "argument_keys/SKWMungeList.h"
 #include "core/command.h"
 #include "core/unpack.h"
 #include "foundation/collation/text_sort.h"
@@ -19,6 +20,7 @@ namespace skerrow::lists {
 
 namespace {
 
+namespace key = argument_keys::SKWMungeList;
 using foundation::SortDirection;
 using foundation::TextComparison;
 using Items = std::vector<Value>;
@@ -43,9 +45,10 @@ class SKWMungeList final : public core::Command {
   void check() override {
     requireList(directParameter());
     const core::Arguments& arguments = evaluatedArguments();
-    isUnique_ = arguments.isSet("uniqueOption");
-    isAscending_ = !arguments.has("sortDirection") || arguments.isSet("sortDirection");
-    comparison_ = comparisonFromCode(sortingOption(arguments)).value_or(TextComparison::sortPlain);
+    isUnique_ = arguments.isSet(key::uniqueOption);
+    isAscending_ = !arguments.has(key::sortDirection) || arguments.isSet(key::sortDirection);
+    comparison_ = comparisonFromCode(sortingOption(arguments, key::listMungeOption))
+                      .value_or(TextComparison::sortPlain);
   }
 
   // Items of several kinds are sorted kind by kind, each kind in its own order.

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "argument_keys/SKWMungeListOfLists.h"
 #include "core/command.h"
 #include "core/script_error.h"
 #include "core/unpack.h"
@@ -17,6 +18,7 @@ namespace skerrow::lists {
 
 namespace {
 
+namespace key = argument_keys::SKWMungeListOfLists;
 using core::ErrorEntry;
 using core::ScriptError;
 using Items = std::vector<Value>;
@@ -49,17 +51,17 @@ constexpr ErrorEntry kSeveralClasses = {
 class SKWMungeListOfLists final : public core::Command {
   void check() override {
     const core::Arguments& arguments = evaluatedArguments();
-    const Value* indexes = arguments.find("listIndexes");
+    const Value* indexes = arguments.find(key::listIndexes);
     if (indexes == nullptr) throw ScriptError(kNoIndexes);
     if (indexes->items().empty()) throw ScriptError(kEmptyIndexes);
     for (const Value& index : indexes->items()) {
       indexes_.push_back(core::numberFromScriptValue(index.raw())->asInteger());
     }
     requireList(directParameter());
-    directions_ = sortDirections(arguments, indexes_.size());
-    comparison_ = comparisonFromCode(sortingOption(arguments))
+    directions_ = sortDirections(arguments, key::sortDirection, indexes_.size());
+    comparison_ = comparisonFromCode(sortingOption(arguments, key::listMungeOption))
                       .value_or(foundation::TextComparison::sortPlain);
-    isUnique_ = arguments.isSet("uniqueOption");
+    isUnique_ = arguments.isSet(key::uniqueOption);
   }
 
   std::optional<Value> compute() override {

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "argument_keys/SKWMungeRecords.h"
 #include "core/command.h"
 #include "core/script_error.h"
 #include "core/unpack.h"
@@ -18,6 +19,7 @@ namespace skerrow::lists {
 
 namespace {
 
+namespace key = argument_keys::SKWMungeRecords;
 using core::ErrorEntry;
 using core::ScriptError;
 using Items = std::vector<Value>;
@@ -38,7 +40,7 @@ constexpr ErrorEntry kKeyNotText = {1046, "Invalid type for keys."};
 class SKWMungeRecords final : public core::Command {
   void check() override {
     const core::Arguments& arguments = evaluatedArguments();
-    const Value* keys = arguments.find("recordKeys");
+    const Value* keys = arguments.find(key::recordKeys);
     if (keys == nullptr) throw ScriptError(kNoKeys);
     for (const Value& key : keys->items()) {
       auto text = core::textFromScriptValue(key.raw());
@@ -46,9 +48,9 @@ class SKWMungeRecords final : public core::Command {
       labels_.emplace_back(std::move(*text));
     }
     requireList(directParameter());
-    directions_ = sortDirections(arguments, labels_.size());
-    option_ = sortingOption(arguments);
-    isUnique_ = arguments.isSet("uniqueOption");
+    directions_ = sortDirections(arguments, key::sortDirection, labels_.size());
+    option_ = sortingOption(arguments, key::listMungeOption);
+    isUnique_ = arguments.isSet(key::uniqueOption);
   }
 
   std::optional<Value> compute() override {

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "argument_keys/SKWRemoveEntriesFromRecord.h"
 #include "core/command.h"
 #include "lists/list_input.h"
 #include "values/keys.h"
@@ -15,12 +16,14 @@ namespace skerrow::lists {
 
 namespace {
 
+namespace key = argument_keys::SKWRemoveEntriesFromRecord;
+
 class SKWRemoveEntriesFromRecord final : public core::Command {
   void check() override { requireList(directParameter()); }
 
   std::optional<Value> compute() override {
     const ValueSet labels(labelsFrom(*directParameter(), kDirectParameter));
-    const auto records = recordsArgument(evaluatedArguments(), "inRecords");
+    const auto records = recordsArgument(evaluatedArguments(), key::inRecords);
     std::vector<Value> results;
     results.reserve(records.size());
     Keys all;   // of the record before, which most often are those of the next one too

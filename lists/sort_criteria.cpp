@@ -84,14 +84,15 @@ std::optional<TextComparison> comparisonFromCode(std::uint32_t code) {
   return static_cast<TextComparison>(place);
 }
 
-std::uint32_t sortingOption(const core::Arguments& arguments) {
-  const auto code = arguments.integer("listMungeOption");
+std::uint32_t sortingOption(const core::Arguments& arguments, core::ArgumentKey key) {
+  const auto code = arguments.integer(key);
   return code ? static_cast<std::uint32_t>(*code) : kStandardOption;
 }
 
-std::vector<SortDirection> sortDirections(const core::Arguments& arguments, std::size_t count) {
+std::vector<SortDirection> sortDirections(const core::Arguments& arguments, core::ArgumentKey key,
+                                          std::size_t count) {
   std::vector<SortDirection> directions;
-  if (const Value* given = arguments.find("sortDirection")) {
+  if (const Value* given = arguments.find(key)) {
     for (const Value& one : given->items()) {
       const auto number = core::numberFromScriptValue(one.raw());
       directions.push_back(number && number->isNonZero() ? SortDirection::ascending

@@ -22,13 +22,13 @@ inline constexpr std::uint32_t kStandardOption = 0x61E56534;
 /// The comparison that a sorting option's code stands for; nothing for other codes.
 std::optional<foundation::TextComparison> comparisonFromCode(std::uint32_t code);
 
-/// The code given as `listMungeOption`, or the standard one.
-std::uint32_t sortingOption(const core::Arguments& arguments);
+/// The code given as this argument, or the standard one.
+std::uint32_t sortingOption(const core::Arguments& arguments, core::ArgumentKey key);
 
-/// Directions for `count` keys from `sortDirection`: the last one given serves for
-/// the keys that have none of their own; ascending unless given.
+/// Directions for sorting by `count` values from this argument, a list: the last one given
+/// serves for those that have none of their own; ascending unless given.
 std::vector<foundation::SortDirection> sortDirections(const core::Arguments& arguments,
-                                                      std::size_t count);
+                                                      core::ArgumentKey key, std::size_t count);
 
 /// The kinds of values that can be sorted by, in the order in which lists of
 /// several kinds are sorted.

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "argument_keys/SKWValueForKeyPathCommand.h"
 #include "core/command.h"
 #include "core/script_error.h"
 #include "core/unpack.h"
@@ -15,6 +16,8 @@
 namespace skerrow::lists {
 
 namespace {
+
+namespace key = argument_keys::SKWValueForKeyPathCommand;
 
 constexpr core::ErrorEntry kSpaceInPath = {1281, "A keyPath cannot contain a space character."};
 constexpr core::ErrorEntry kLookupFailed = {1282, "%@"};
@@ -27,8 +30,8 @@ class SKWValueForKeyPathCommand final : public core::Command {
     if (!path) refuseKind(kDirectParameter, "a text", *directParameter());
     if (path->view().find(u' ') != std::u16string_view::npos) throw core::ScriptError(kSpaceInPath);
     path_ = *path;
-    const Value* item = evaluatedArguments().find("ofItem");
-    if (item == nullptr) refuseMissing("ofItem", "the value to look in");
+    const Value* item = evaluatedArguments().find(key::ofItem);
+    if (item == nullptr) refuseMissing(key::ofItem, "the value to look in");
     item_ = item->raw();
   }
 

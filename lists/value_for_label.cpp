@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "argument_keys/SKWValueForLabel.h"
 #include "core/command.h"
 #include "lists/list_input.h"
 #include "values/record.h"
@@ -14,6 +15,7 @@ namespace skerrow::lists {
 
 namespace {
 
+namespace key = argument_keys::SKWValueForLabel;
 using Items = std::vector<Value>;
 
 void lookForKey(const Value& key, const Value& object, Items& found) {
@@ -31,11 +33,11 @@ class SKWValueForLabel final : public core::Command {
   void check() override {
     if (!directParameter()) refuseMissing(kDirectParameter, "a label");
     label_ = labelFrom(*directParameter(), kDirectParameter);
-    isRecursive_ = evaluatedArguments().isSet("doRecursion");
+    isRecursive_ = evaluatedArguments().isSet(key::doRecursion);
   }
 
   std::optional<Value> compute() override {
-    auto records = recordsArgument(evaluatedArguments(), "inRecords");
+    auto records = recordsArgument(evaluatedArguments(), key::inRecords);
     Items values;
     values.reserve(records.size());
     for (Record& record : records) {

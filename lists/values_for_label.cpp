@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "argument_keys/SKWValuesForLabel.h"
 #include "core/command.h"
 #include "lists/list_input.h"
 #include "values/record.h"
@@ -13,6 +14,7 @@ namespace skerrow::lists {
 
 namespace {
 
+namespace key = argument_keys::SKWValuesForLabel;
 using Items = std::vector<Value>;
 
 class SKWValuesForLabel final : public core::Command {
@@ -20,7 +22,7 @@ class SKWValuesForLabel final : public core::Command {
 
   std::optional<Value> compute() override {
     const Items labels = labelsFrom(*directParameter(), kDirectParameter);
-    const auto records = recordsArgument(evaluatedArguments(), "inRecords");
+    const auto records = recordsArgument(evaluatedArguments(), key::inRecords);
     Items rows;
     rows.reserve(records.size());
     for (const Record& record : records) {

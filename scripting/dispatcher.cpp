@@ -26,7 +26,7 @@ core::Arguments evaluated(const CommandEntry& command, const EventArguments& giv
   for (const auto& [key, value] : given) {
     const ArgumentEntry* argument = command.argument(key);
     if (argument == nullptr) throw ScriptError(kUnknownArgument, command.className, key);
-    arguments.set(key, evaluateArgument(*argument, value));
+    arguments.set(core::ArgumentKey(argument->key), evaluateArgument(*argument, value));
   }
   return arguments;
 }

@@ -2,12 +2,15 @@
 """Turns a scripting definition into constant tables.
 
 Writes two sources: the dictionary's tables, and the list of factories, one for each command
-class, in the same order. A factory is called create<class> and stands with its class.
+class, in the same order. A factory is called create<class> and stands with its class. Writes a
+header for each command class too: the keys of its arguments as constants.
 """
 
 import argparse
+import re
 import sys
 import xml.etree.ElementTree as ElementTree
+from pathlib import Path
 
 # A type's name in the definition, and the kinds that it stands for. Any other name is that of an
 # enumeration.
@@ -122,6 +125,26 @@ def cocoa(element, name):
     return attribute(found, name)
 
 
+# Words of C++ that are no names there.
+RESERVED = set(
+    """alignas alignof and and_eq asm auto bitand bitor bool break case catch char char8_t char16_t
+    char32_t class compl concept const consteval constexpr constinit const_cast continue co_await
+    co_return co_yield decltype default delete do double dynamic_cast else enum explicit export
+    extern false float for friend goto if inline int long mutable namespace new noexcept not not_eq
+    nullptr operator or or_eq private protected public register reinterpret_cast requires return
+    short signed sizeof static static_assert static_cast struct switch template this thread_local
+    throw true try typedef typeid typename union unsigned using virtual void volatile wchar_t while
+    xor xor_eq""".split()
+)
+
+
+def name_in_code(what, text):
+    """The text, which is to be a name in the sources too."""
+    if not re.fullmatch("[A-Za-z][A-Za-z0-9]*", text) or text in RESERVED:
+        raise Malformed(f"the {what} “{text}” cannot be a name: it needs letters and digits")
+    return text
+
+
 def enumeration_tables(enumerations):
     for name, element in enumerations.items():
         table = f"k{identifier(name)}"
@@ -204,30 +227,59 @@ def classes_source(commands, function):
     yield "}  // namespace scripting\n}  // namespace skerrow"
 
 
+def keys_header(class_name, element):
+    yield "#pragma once"
+    yield "// Made from the scripting definition; changes here are lost."
+    yield '#include "core/argument_key.h"\n'
+    yield f"namespace skerrow::argument_keys::{class_name} {{\n"
+    for one in element.findall("parameter"):
+        key = name_in_code("key", cocoa(one, "key"))
+        yield f"inline constexpr core::ArgumentKey {key}{{{string(key)}}};"
+    yield f"\n}}  // namespace skerrow::argument_keys::{class_name}"
+
+
+def write_if_changed(path, lines):
+    """What stays as it is keeps its time, so that nothing is built again for it."""
+    text = "\n".join(lines) + "\n"
+    if not path.exists() or path.read_text(encoding="utf-8") != text:
+        path.parent.mkdir(parents=True, exist_ok=True)
+        path.write_text(text, encoding="utf-8")
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("definition")
-    parser.add_argument("--tables", required=True)
-    parser.add_argument("--classes", required=True)
-    parser.add_argument("--namespace-function", required=True)
+    parser.add_argument("--tables", type=Path)
+    parser.add_argument("--classes", type=Path)
+    parser.add_argument("--keys", type=Path, help="the folder for the headers of keys")
+    parser.add_argument("--namespace-function")
+    parser.add_argument("--list-classes", action="store_true", help="print the classes, write nothing")
     options = parser.parse_args()
     try:
         root = ElementTree.parse(options.definition).getroot()
         enumerations = {attribute(one, "name"): one for one in root.iter("enumeration")}
         commands = sorted(
-            ((cocoa(one, "class"), one) for one in root.iter("command")), key=lambda pair: pair[0]
+            ((name_in_code("class", cocoa(one, "class")), one) for one in root.iter("command")), key=lambda pair: pair[0]
         )
         unique("the class", [class_name for class_name, _ in commands])
         unique("the command", [attribute(one, "name") for _, one in commands])
         unique("the event code", [attribute(one, "code") for _, one in commands])
         function = options.namespace_function
-        tables = "\n".join(tables_source(attribute(root, "title"), commands, enumerations, function))
-        classes = "\n".join(classes_source(commands, function))
+        files = [
+            (options.tables, list(tables_source(attribute(root, "title"), commands, enumerations, function))),
+            (options.classes, list(classes_source(commands, function))),
+        ] + [
+            (options.keys and options.keys / f"{class_name}.h", list(keys_header(class_name, element)))
+            for class_name, element in commands
+        ]
     except (Malformed, ElementTree.ParseError, OSError) as problem:
         sys.exit(f"{options.definition}: {problem}")
-    for path, text in ((options.tables, tables), (options.classes, classes)):
-        with open(path, "w", encoding="utf-8") as output:
-            output.write(text + "\n")
+    if options.list_classes:
+        print("\n".join(class_name for class_name, _ in commands))
+        return
+    for path, lines in files:
+        if path:
+            write_if_changed(path, lines)
 
 
 if __name__ == "__main__":

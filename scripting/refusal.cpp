@@ -17,22 +17,22 @@ constexpr ErrorEntry kNotOfKind = {kWrongKind, "The %@ must be %@, not %@."};
 constexpr ErrorEntry kItemNotOfKind = {kWrongKind, "The items of the %@ must be %@, not %@."};
 constexpr ErrorEntry kMissing = {kWrongKind, "The %@ must be %@, and it is missing."};
 
-std::string named(std::string_view parameter) {
-  if (parameter == kDirectParameter) return std::string(parameter);
-  return "argument “" + std::string(parameter) + "”";
+std::string named(core::ArgumentKey parameter) {
+  if (parameter == kDirectParameter) return "direct parameter";
+  return "argument “" + std::string(parameter.text()) + "”";
 }
 
 }  // namespace
 
-void refuseKind(std::string_view parameter, std::string_view needed, const ScriptValue& given) {
+void refuseKind(core::ArgumentKey parameter, std::string_view needed, const ScriptValue& given) {
   throw ScriptError(kNotOfKind, named(parameter), needed, kindInWords(given));
 }
 
-void refuseItem(std::string_view parameter, std::string_view needed, const ScriptValue& given) {
+void refuseItem(core::ArgumentKey parameter, std::string_view needed, const ScriptValue& given) {
   throw ScriptError(kItemNotOfKind, named(parameter), needed, kindInWords(given));
 }
 
-void refuseMissing(std::string_view parameter, std::string_view needed) {
+void refuseMissing(core::ArgumentKey parameter, std::string_view needed) {
   throw ScriptError(kMissing, named(parameter), needed);
 }
 

@@ -5,22 +5,23 @@
 
 #include <string_view>
 
+#include "core/argument_key.h"
 #include "values/script_value.h"
 
 namespace skerrow::scripting {
 
-/// How messages name the direct parameter; any other name is an argument's key.
-inline constexpr std::string_view kDirectParameter = "direct parameter";
+/// Names the direct parameter among the keys of the arguments.
+inline constexpr core::ArgumentKey kDirectParameter{""};
 
 /// "The direct parameter must be a list, not a text."
-[[noreturn]] void refuseKind(std::string_view parameter, std::string_view needed,
+[[noreturn]] void refuseKind(core::ArgumentKey parameter, std::string_view needed,
                              const ScriptValue& given);
 
 /// "The items of the argument “inRecords” must be records, not a text."
-[[noreturn]] void refuseItem(std::string_view parameter, std::string_view needed,
+[[noreturn]] void refuseItem(core::ArgumentKey parameter, std::string_view needed,
                              const ScriptValue& given);
 
 /// "The direct parameter must be a list, and it is missing."
-[[noreturn]] void refuseMissing(std::string_view parameter, std::string_view needed);
+[[noreturn]] void refuseMissing(core::ArgumentKey parameter, std::string_view needed);
 
 }  // namespace skerrow::scripting

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "argument_keys/SKWCleanString.h"
 #include "core/command.h"
 #include "core/script_error.h"
 #include "text/pattern_replacement.h"
@@ -19,6 +20,8 @@
 namespace skerrow::text {
 
 namespace {
+
+namespace key = argument_keys::SKWCleanString;
 
 constexpr int kUnreadableFile = 1261;
 
@@ -72,17 +75,17 @@ class SKWCleanString final : public core::Command {
 
   void check() override {
     if (!directParameter()) refuseMissing(kDirectParameter, "a text, a list or a file");
-    lineFeeds_ = choice("LFLikeCR") == Choice::yes ? LineFeeds::becomeReturns : LineFeeds::kept;
-    tabs_ = choice("tabsLikeSpaces") == Choice::yes ? Tabs::becomeSpaces : Tabs::kept;
-    isRemovingTags_ = choice("tagsRemoved") == Choice::yes;
-    dashesSpaced_ = choice("dashesSpaced");
-    hasEnDashes_ = choice("endashesBeforeNumerals") == Choice::yes;
-    isRemovingEmptyLines_ = choice("emptyLines") == Choice::no;
-    isCurlingQuotes_ = choice("curledQuotes") != Choice::no;
+    lineFeeds_ = choice(key::LFLikeCR) == Choice::yes ? LineFeeds::becomeReturns : LineFeeds::kept;
+    tabs_ = choice(key::tabsLikeSpaces) == Choice::yes ? Tabs::becomeSpaces : Tabs::kept;
+    isRemovingTags_ = choice(key::tagsRemoved) == Choice::yes;
+    dashesSpaced_ = choice(key::dashesSpaced);
+    hasEnDashes_ = choice(key::endashesBeforeNumerals) == Choice::yes;
+    isRemovingEmptyLines_ = choice(key::emptyLines) == Choice::no;
+    isCurlingQuotes_ = choice(key::curledQuotes) != Choice::no;
     service_ = sharedRegexService(context());
   }
 
-  [[nodiscard]] Choice choice(std::string_view key) const {
+  [[nodiscard]] Choice choice(core::ArgumentKey key) const {
     if (!evaluatedArguments().has(key)) return Choice::absent;
     return evaluatedArguments().isSet(key) ? Choice::yes : Choice::no;
   }

@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "argument_keys/SKWConvertStrings.h"
 #include "core/command.h"
 #include "core/script_error.h"
 #include "foundation/collation/text_comparison.h"
@@ -22,6 +23,7 @@ namespace skerrow::text {
 
 namespace {
 
+namespace key = argument_keys::SKWConvertStrings;
 using core::ErrorEntry;
 using core::ScriptError;
 using foundation::DateParser;
@@ -63,11 +65,11 @@ class SKWConvertStrings final : public core::Command {
       return;
     }
     const core::Arguments& arguments = evaluatedArguments();
-    format_ = textArgument(arguments.find("formatString"));
+    format_ = textArgument(arguments.find(key::formatString));
     // Kept: given at all they count, whatever their value.
-    const bool hasIntegers = arguments.has("asIntegers");
-    const bool hasReals = arguments.has("asReals");
-    isLocalized_ = arguments.isSet("useLocalized");
+    const bool hasIntegers = arguments.has(key::asIntegers);
+    const bool hasReals = arguments.has(key::asReals);
+    isLocalized_ = arguments.isSet(key::useLocalized);
     if (hasIntegers && format_) throw ScriptError(kDatesAndIntegers);
     if (hasReals && format_) throw ScriptError(kDatesAndReals);
     if (hasIntegers && hasReals) throw ScriptError(kIntegersAndReals);

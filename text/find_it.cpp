@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "argument_keys/SKWFindIt.h"
 #include "core/command.h"
 #include "core/script_error.h"
 #include "core/unpack.h"
@@ -22,6 +23,7 @@ namespace skerrow::text {
 
 namespace {
 
+namespace key = argument_keys::SKWFindIt;
 using core::ErrorEntry;
 using core::ScriptError;
 using Items = std::vector<Value>;
@@ -75,12 +77,12 @@ class SKWFindIt final : public core::Command {
     if (!pattern || pattern->isEmpty()) throw ScriptError(kNoPattern);
     pattern_ = *pattern;
     const core::Arguments& arguments = evaluatedArguments();
-    replacement_ = textArgument(arguments.find("replacementPattern"));
-    capture_ = arguments.integer("captureNumber").value_or(0);
+    replacement_ = textArgument(arguments.find(key::replacementPattern));
+    capture_ = arguments.integer(key::captureNumber).value_or(0);
     if (capture_ < kAllCaptures) throw ScriptError(kBadCapture);
-    call_.options = optionsFrom(textArgument(arguments.find("regExOptions")));
-    isInverted_ = arguments.isSet("invertFlag");
-    const Value* searched = arguments.find("stringToSearch");
+    call_.options = optionsFrom(textArgument(arguments.find(key::regExOptions)));
+    isInverted_ = arguments.isSet(key::invertFlag);
+    const Value* searched = arguments.find(key::stringToSearch);
     if (searched == nullptr) throw ScriptError(kNotTexts);
     searched_ = searched->raw();
     service_ = sharedRegexService(context());

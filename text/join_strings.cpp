@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "argument_keys/SKWJoinStrings.h"
 #include "core/command.h"
 #include "core/script_error.h"
 #include "core/unpack.h"
@@ -21,6 +22,7 @@ using namespace literals;
 
 namespace {
 
+namespace key = argument_keys::SKWJoinStrings;
 using core::ErrorEntry;
 using core::ScriptError;
 using Items = std::vector<Value>;
@@ -61,9 +63,9 @@ class SKWJoinStrings final : public core::Command {
       return;
     }
     const core::Arguments& arguments = evaluatedArguments();
-    separator_ = textArgument(arguments.find("insertingString")).value_or(Text());
-    isInSublists_ = arguments.isSet("doSublists");
-    isIgnoringBlanks_ = arguments.isSet("ignoringBlanks");
+    separator_ = textArgument(arguments.find(key::insertingString)).value_or(Text());
+    isInSublists_ = arguments.isSet(key::doSublists);
+    isIgnoringBlanks_ = arguments.isSet(key::ignoringBlanks);
   }
 
   std::optional<Value> compute() override {

@@ -14,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "argument_keys/SKWMungeText.h"
 #include "core/command.h"
 #include "core/script_error.h"
 #include "core/unpack.h"
@@ -37,6 +38,7 @@ namespace skerrow::text {
 
 namespace {
 
+namespace key = argument_keys::SKWMungeText;
 using core::ErrorEntry;
 using core::ScriptError;
 using foundation::ReservedCharacters;
@@ -108,13 +110,13 @@ class SKWMungeText final : public core::Command {
   void check() override {
     if (!directParameter()) refuseMissing(kDirectParameter, "a text, a list or a file");
     const core::Arguments& arguments = evaluatedArguments();
-    if (const Value* options = arguments.find("stringMungeOption")) readOptions(*options);
-    if (const auto given = textArgument(arguments.find("padString"))) padString_ = *given;
-    if (const auto given = arguments.integer("padLength")) {
+    if (const Value* options = arguments.find(key::stringMungeOption)) readOptions(*options);
+    if (const auto given = textArgument(arguments.find(key::padString))) padString_ = *given;
+    if (const auto given = arguments.integer(key::padLength)) {
       padLength_ = static_cast<std::uint32_t>(*given);
     }
-    isTransformInverse_ = arguments.isSet("transformInverse");
-    transformName_ = textArgument(arguments.find("transformName"));
+    isTransformInverse_ = arguments.isSet(key::transformInverse);
+    transformName_ = textArgument(arguments.find(key::transformName));
     service_ = sharedRegexService(context());
   }
 

@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "argument_keys/SKWReplaceString.h"
 #include "core/command.h"
 #include "core/script_error.h"
 #include "core/unpack.h"
@@ -17,6 +18,7 @@ namespace skerrow::text {
 
 namespace {
 
+namespace key = argument_keys::SKWReplaceString;
 using core::ErrorEntry;
 using core::ScriptError;
 using foundation::TextSearch;
@@ -39,17 +41,17 @@ class SKWReplaceString final : public core::Command {
     const std::optional<Text> sought =
         direct ? core::textFromScriptValue(*direct) : std::optional<Text>();
     if (direct && !sought) refuseKind(kDirectParameter, "a text", *direct);
-    replacement_ = textArgument(arguments.find("replacementPattern"));
-    const Value* searched = arguments.find("stringToSearch");
-    isOnlyFirst_ = arguments.isSet("onlyFirst");
-    isOnlyLast_ = arguments.isSet("onlyLast");
+    replacement_ = textArgument(arguments.find(key::replacementPattern));
+    const Value* searched = arguments.find(key::stringToSearch);
+    isOnlyFirst_ = arguments.isSet(key::onlyFirst);
+    isOnlyLast_ = arguments.isSet(key::onlyLast);
     if (isOnlyFirst_ && isOnlyLast_) throw ScriptError(kFirstAndLast);
-    if (searched == nullptr) refuseMissing("stringToSearch", "a text, a list or a file");
+    if (searched == nullptr) refuseMissing(key::stringToSearch, "a text, a list or a file");
     searched_ = searched->raw();
     search_.emplace(
         sought.value_or(Text()).view(),
-        foundation::FoldingOptions{.caseInsensitive = !arguments.isSet("caseMatters"),
-                                   .diacriticInsensitive = arguments.isSet("diacriticalFlag")});
+        foundation::FoldingOptions{.caseInsensitive = !arguments.isSet(key::caseMatters),
+                                   .diacriticInsensitive = arguments.isSet(key::diacriticalFlag)});
   }
 
   std::optional<Value> compute() override {

@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "argument_keys/SKWSplitString.h"
 #include "core/command.h"
 #include "core/script_error.h"
 #include "foundation/collation/text_search.h"
@@ -20,6 +21,7 @@ namespace skerrow::text {
 
 namespace {
 
+namespace key = argument_keys::SKWSplitString;
 using core::ErrorEntry;
 using core::ScriptError;
 using foundation::TextSearch;
@@ -91,11 +93,11 @@ class SKWSplitString final : public core::Command {
       return;
     }
     const core::Arguments& arguments = evaluatedArguments();
-    const std::optional<Text> separator = textArgument(arguments.find("splittingString"));
-    const bool isByCharacter = arguments.isSet("byCharacter");
-    const bool isCaseInsensitive = !arguments.isSet("caseMatters");
-    isOnlyFirst_ = arguments.isSet("onlyFirst");
-    isOnlyLast_ = arguments.isSet("onlyLast");
+    const std::optional<Text> separator = textArgument(arguments.find(key::splittingString));
+    const bool isByCharacter = arguments.isSet(key::byCharacter);
+    const bool isCaseInsensitive = !arguments.isSet(key::caseMatters);
+    isOnlyFirst_ = arguments.isSet(key::onlyFirst);
+    isOnlyLast_ = arguments.isSet(key::onlyLast);
     if (isOnlyFirst_ && isByCharacter) throw ScriptError(kFirstByCharacter);
     if (isOnlyLast_ && isByCharacter) throw ScriptError(kLastByCharacter);
     if (isOnlyLast_ && isOnlyFirst_) throw ScriptError(kFirstAndLast);
@@ -106,7 +108,7 @@ class SKWSplitString final : public core::Command {
       search_.emplace(separator->view(),
                       foundation::FoldingOptions{
                           .caseInsensitive = isCaseInsensitive,
-                          .diacriticInsensitive = arguments.isSet("ignoreDiacriticals")});
+                          .diacriticInsensitive = arguments.isSet(key::ignoreDiacriticals)});
     }
   }
 

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <string_view>
+#include <type_traits>
 
 #include "core/command.h"
 #include "tests/support/describe.h"
@@ -13,29 +15,33 @@ using tests::described;
 
 Arguments with(Value value) {
   Arguments arguments;
-  arguments.set("key", std::move(value));
+  arguments.set(ArgumentKey("key"), std::move(value));
   return arguments;
 }
 
 TEST(Arguments, AreFoundByTheirExactKey) {
   Arguments arguments = with(u"value");
-  arguments.set("Key", Value());
-  arguments.set("", u"empty");
-  ASSERT_TRUE(arguments.has("key"));
-  EXPECT_EQ(described(*arguments.find("key")), "“value”");
-  EXPECT_EQ(described(*arguments.find("Key")), "null");
-  EXPECT_EQ(described(*arguments.find("")), "“empty”");
+  arguments.set(ArgumentKey("Key"), Value());
+  arguments.set(ArgumentKey(""), u"empty");
+  ASSERT_TRUE(arguments.has(ArgumentKey("key")));
+  EXPECT_EQ(described(*arguments.find(ArgumentKey("key"))), "“value”");
+  EXPECT_EQ(described(*arguments.find(ArgumentKey("Key"))), "null");
+  EXPECT_EQ(described(*arguments.find(ArgumentKey(""))), "“empty”");
   for (const char* absent : {"KEY", "ke", "keys", " key", "é"}) {
-    EXPECT_EQ(arguments.find(absent), nullptr) << absent;
-    EXPECT_FALSE(arguments.has(absent)) << absent;
+    EXPECT_EQ(arguments.find(ArgumentKey(absent)), nullptr) << absent;
+    EXPECT_FALSE(arguments.has(ArgumentKey(absent))) << absent;
   }
-  EXPECT_FALSE(Arguments().has(""));
+  EXPECT_FALSE(Arguments().has(ArgumentKey("")));
 }
+
+// A key is a constant that was made from the terminology, or says that it is not.
+static_assert(!std::is_convertible_v<const char*, ArgumentKey> &&
+              !std::is_convertible_v<std::string_view, ArgumentKey>);
 
 TEST(Arguments, CountAsLastGiven) {
   Arguments arguments = with(u"first");
-  arguments.set("key", u"second");
-  EXPECT_EQ(described(*arguments.find("key")), "“second”");
+  arguments.set(ArgumentKey("key"), u"second");
+  EXPECT_EQ(described(*arguments.find(ArgumentKey("key"))), "“second”");
 }
 
 struct Row {
@@ -58,11 +64,11 @@ TEST(Arguments, ABooleanIsSetWhenPresentAndTrueAndOnlyNumbersAreIntegers) {
       {std::vector<Value>{Number::boolean(true)}, false, std::nullopt},
   };
   for (const Row& row : rows) {
-    EXPECT_EQ(with(row.value).isSet("key"), row.isSet) << described(row.value);
-    EXPECT_EQ(with(row.value).integer("key"), row.integer) << described(row.value);
+    EXPECT_EQ(with(row.value).isSet(ArgumentKey("key")), row.isSet) << described(row.value);
+    EXPECT_EQ(with(row.value).integer(ArgumentKey("key")), row.integer) << described(row.value);
   }
-  EXPECT_FALSE(Arguments().isSet("key"));
-  EXPECT_EQ(Arguments().integer("key"), std::nullopt);
+  EXPECT_FALSE(Arguments().isSet(ArgumentKey("key")));
+  EXPECT_EQ(Arguments().integer(ArgumentKey("key")), std::nullopt);
 }
 
 }  // namespace

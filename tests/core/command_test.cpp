@@ -400,10 +400,10 @@ TEST_F(CommandTest, HearsThatItIsCancelledWhileItWorks) {
 
 TEST_F(CommandTest, FindsItsDirectParameterAndArguments) {
   Arguments arguments;
-  arguments.set("key", u"value");
+  arguments.set(ArgumentKey("key"), u"value");
   const auto command = this->command(scriptText(u"direct"), std::move(arguments));
   EXPECT_EQ(described(command->directParameter()), "'utxt' “direct”");
-  EXPECT_EQ(described(*command->evaluatedArguments().find("key")), "“value”");
+  EXPECT_EQ(described(*command->evaluatedArguments().find(ArgumentKey("key"))), "“value”");
   EXPECT_EQ(described(command->takeDirectParameter()), "'utxt' “direct”");
   EXPECT_EQ(described(command->directParameter()), "nothing");
   EXPECT_EQ(described(this->command()->directParameter()), "nothing");

@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 
 #include <array>
+#include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
@@ -27,7 +28,8 @@ Outcome generate(const ScratchFolder& folder, const std::string& definition) {
       std::filesystem::path(SKERROW_CASES) / ".." / ".." / "scripting" / "generate_dictionary.py";
   const std::string command = "python3 -B '" + generator.string() + "' '" + path + "' --tables '" +
                               folder.path("tables.cpp") + "' --classes '" +
-                              folder.path("classes.cpp") + "' --namespace-function faulty 2>&1";
+                              folder.path("classes.cpp") + "' --keys '" + folder.path("keys") +
+                              "' --namespace-function faulty 2>&1";
   FILE* pipe = ::popen(command.c_str(), "r");
   if (pipe == nullptr) return {-1, "no process"};
   std::string output;
@@ -102,6 +104,15 @@ TEST(DictionaryGenerator, SaysWhatIsWrongWithADefinitionAndWritesNothing) {
        "in “do it” the code “aaaa” stands there twice"},
       {"the same key twice", command(twice + parameter(R"(name="b" code="bbbb" type="text")")),
        "in “do it” the key “key” stands there twice"},
+      {"a key that is no name",
+       command(R"(<parameter name="a" code="aaaa" type="text"><cocoa key="a b"/></parameter>)"),
+       "the key “a b” cannot be a name: it needs letters and digits"},
+      {"a key that C++ has another use for",
+       command(R"(<parameter name="a" code="aaaa" type="text"><cocoa key="default"/></parameter>)"),
+       "the key “default” cannot be a name: it needs letters and digits"},
+      {"a class that is no name",
+       inDictionary(R"(<command name="a" code="TESTaaaa"><cocoa class="../A"/></command>)"),
+       "the class “../A” cannot be a name: it needs letters and digits"},
       {"the same class twice",
        inDictionary(R"(<command name="a" code="TESTaaaa"><cocoa class="A"/></command>
                        <command name="b" code="TESTbbbb"><cocoa class="A"/></command>)"),
@@ -128,6 +139,7 @@ TEST(DictionaryGenerator, SaysWhatIsWrongWithADefinitionAndWritesNothing) {
     EXPECT_EQ(outcome.output, folder.path("Faulty.sdef") + ": " + row.message + "\n");
     EXPECT_FALSE(std::filesystem::exists(folder.path("tables.cpp")));
     EXPECT_FALSE(std::filesystem::exists(folder.path("classes.cpp")));
+    EXPECT_FALSE(std::filesystem::exists(folder.path("keys")));
   }
 }
 
@@ -140,7 +152,23 @@ TEST(DictionaryGenerator, NamesACodeThatBeginsLikeHexadecimalAndIsNone) {
       << outcome.output;
 }
 
-TEST(DictionaryGenerator, WritesBothSourcesForASoundDefinition) {
+TEST(DictionaryGenerator, LeavesAFileAloneThatWouldStayTheSame) {
+  const ScratchFolder folder;
+  const auto longAgo = std::filesystem::file_time_type::clock::now() - std::chrono::hours(1);
+  const std::string definition = command(parameter(R"(name="a" code="aaaa" type="text")"));
+  ASSERT_EQ(generate(folder, definition).status, 0);
+  for (const char* file : {"tables.cpp", "classes.cpp", "keys/DoIt.h"}) {
+    std::filesystem::last_write_time(folder.path(file), longAgo);
+  }
+  const std::string changed =
+      command(parameter(R"(name="a" code="aaaa" type="text" description="more")"));
+  ASSERT_EQ(generate(folder, changed).status, 0);
+  EXPECT_GT(std::filesystem::last_write_time(folder.path("tables.cpp")), longAgo);
+  EXPECT_EQ(std::filesystem::last_write_time(folder.path("classes.cpp")), longAgo);
+  EXPECT_EQ(std::filesystem::last_write_time(folder.path("keys/DoIt.h")), longAgo);
+}
+
+TEST(DictionaryGenerator, WritesTheSourcesForASoundDefinition) {
   const ScratchFolder folder;
   const Outcome outcome = generate(
       folder, command(parameter(R"(name="a “b” \ &quot;c&quot;" code="0x62E56531" type="text")")));
@@ -148,6 +176,7 @@ TEST(DictionaryGenerator, WritesBothSourcesForASoundDefinition) {
   EXPECT_EQ(outcome.output, "");
   EXPECT_TRUE(std::filesystem::exists(folder.path("tables.cpp")));
   EXPECT_TRUE(std::filesystem::exists(folder.path("classes.cpp")));
+  EXPECT_TRUE(std::filesystem::exists(folder.path("keys/DoIt.h")));
 }
 
 }  // namespace

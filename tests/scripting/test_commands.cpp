@@ -30,7 +30,7 @@ class TestEcho final : public core::Command {
     std::string words;
     if (directParameter()) words += "direct: " + tests::described(*directParameter()) + "; ";
     for (const auto& argument : scripting::testDictionary().command("TestEcho")->arguments) {
-      const Value* given = evaluatedArguments().find(argument.key);
+      const Value* given = evaluatedArguments().find(core::ArgumentKey(argument.key));
       if (given != nullptr)
         words += std::string(argument.key) + ": " + tests::described(*given) + "; ";
     }
