@@ -1,10 +1,11 @@
 #pragma once
 // DateParser: reads dates by a pattern of Unicode Technical Standard #35. The whole
-// text must fit the pattern and name a day and time that exist. It must fit as ICU's
-// strict reading has it, which lets white space in front of a field pass, and the
-// name of a month in another length. What the pattern does not say is that of
-// 2000-01-01 00:00:00. A day of the week beside a date is read and not held against
-// it. One object serves one thread.
+// text must fit the pattern and name a day and time that exist. White space is allowed
+// around it and in front of a field, a name of a month in another length, and a number
+// with fewer digits than letters unless it touches another number. A year of two
+// letters and two digits lies between 1950 and 2049. What the pattern does not say is
+// that of 2000-01-01 00:00:00. A day of the week beside a date is read and not held
+// against it. One object serves one thread.
 
 #include <memory>
 #include <optional>

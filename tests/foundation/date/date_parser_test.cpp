@@ -110,9 +110,17 @@ TEST(DateParser, RefusesWhatDoesNotFit) {
       {u"yyyy-MM-dd", u"2024-13-01"},
       {u"yyyy-MM-dd", u"2024-00-01"},
       {u"yyyy-MM-dd", u"2024-02-09x"},
-      {u"yyyy-MM-dd", u"2024-02-09 "},
       {u"yyyy-MM-dd", u"2024/02/09"},
-      {u"yyyy-MM-dd", u"2024-2-9"},
+      {u"yyyy-MM-dd", u"2018-3"},
+      {u"yyyy-MM-dd", u"2018--9"},
+      {u"yyyy-MM-dd", u"2018 -03-09"},
+      {u"yyyy-MM-dd", u"2018-2-30"},
+      {u"yyyy-MM-dd", u"2018-13-9"},
+      {u"yyyy-MM-dd", u"2018-3-9 1"},
+      {u"yyyyMMdd", u"202402090"},
+      {u"yyyyMMdd", u"2024 209"},
+      {u"HHmm", u"09305"},
+      {u"yyyy-MM-dd", u" "},
       {u"yyyy-MM-dd", u"yesterday"},
       {u"HH:mm", u"24:00"},
       {u"HH:mm", u"12:60"},
@@ -127,6 +135,56 @@ TEST(DateParser, RefusesWhatDoesNotFit) {
   for (const auto& each : cases) {
     EXPECT_FALSE(parsed(each.pattern, each.text)) << utf8FromUtf16(each.text);
   }
+}
+
+TEST(DateParser, TakesNumbersWithFewerDigitsThanLetters) {
+  const DateCase cases[] = {
+      {u"yyyy-MM-dd", u"2018-3-9", at(2018, 3, 9)},
+      {u"MM/dd/yyyy", u"1/2/2012", at(2012, 1, 2)},
+      {u"MM/dd/yyyy", u"01/2/2012", at(2012, 1, 2)},
+      {u"dd MMMM yyyy", u"9 March 2018", at(2018, 3, 9)},
+      {u"ddMMMyyyy", u"9Mar2018", at(2018, 3, 9)},
+      {u"HH:mm:ss", u"7:05:9", at(2000, 1, 1, 25509)},
+      {u"hh:mm a", u"5:05 PM", at(2000, 1, 1, 61500)},
+      {u"yyyy DDD", u"2024 60", at(2024, 2, 29)},
+      {u"yyyy-MM-dd'T'HHmmss", u"2024-1-2T093015", at(2024, 1, 2, 34215)},
+      {u"yyyy 'MM' MM", u"2024 MM 3", at(2024, 3, 1)},
+      {u"yyyy-MM-dd", u"800-01-01", at(800, 1, 1) + 4 * 86400.0},  // the Julian calendar
+  };
+  for (const auto& each : cases) {
+    EXPECT_EQ(parsed(each.pattern, each.text), each.expected) << utf8FromUtf16(each.text);
+  }
+}
+
+TEST(DateParser, AllowsWhiteSpaceAroundADate) {
+  const DateCase cases[] = {
+      {u"yyyy-MM-dd", u" 2018-03-09", at(2018, 3, 9)},
+      {u"yyyy-MM-dd", u"2018-03-09 ", at(2018, 3, 9)},
+      {u"yyyy-MM-dd", u"\u00A0\t2018-3-9\r\n", at(2018, 3, 9)},
+      {u"'on' yyyy", u"  on 2018 ", at(2018, 1, 1)},
+      {u"yyyy '.'", u"2018 .\n", at(2018, 1, 1)},
+      {u" yyyy ", u" 2018 ", at(2018, 1, 1)},
+      {u"' 'yyyy", u" 2018", at(2018, 1, 1)},
+      {u"", u" ", at(2000, 1, 1)},
+  };
+  for (const auto& each : cases) {
+    EXPECT_EQ(parsed(each.pattern, each.text), each.expected) << utf8FromUtf16(each.text);
+  }
+}
+
+TEST(DateParser, TakesYearsOfTwoDigitsBetween1950And2049) {
+  EXPECT_EQ(parsed(u"yy-MM-dd", u"50-01-01"), at(1950, 1, 1));
+  EXPECT_EQ(parsed(u"yy-MM-dd", u"99-12-31"), at(1999, 12, 31));
+  EXPECT_EQ(parsed(u"yy-MM-dd", u"00-01-01"), at(2000, 1, 1));
+  EXPECT_EQ(parsed(u"yy-MM-dd", u"49-12-31"), at(2049, 12, 31));
+  EXPECT_EQ(parsed(u"yyMMdd", u"491231"), at(2049, 12, 31));
+  EXPECT_EQ(parsed(u"yy-MM-dd HH:mm", u"50-01-01 00:00", "en_GB", u"Pacific/Auckland"),
+            at(1949, 12, 31, 43200));
+  EXPECT_EQ(parsed(u"yy-MM-dd HH:mm", u"50-01-01 00:00", "en_GB", u"America/New_York"),
+            at(1950, 1, 1, 18000));
+  EXPECT_EQ(parsed(u"yy-MM-dd", u"2018-01-02"), at(2018, 1, 2));
+  EXPECT_FALSE(parsed(u"yy-MM-dd", u"50-13-01"));
+  EXPECT_FALSE(parsed(u"yy-MM-dd", u"50-02-29"));
 }
 
 TEST(DateParser, ReadsTheNamesOfALocale) {
