@@ -11,6 +11,7 @@
 #include "core/unpack.h"
 #include "foundation/text/text_encoding.h"
 #include "foundation/url/url.h"
+#include "platform/system_platform.h"
 #include "values/text.h"
 
 namespace skerrow::bench {
@@ -33,7 +34,8 @@ inline int compare(int argc, char** argv, const std::function<void(const Task&)>
   try {
     if (argc != 3) throw std::runtime_error(std::string("usage: ") + argv[0] + " PATTERN FILE");
     const Task task = {Text(foundation::utf16FromUtf8(argv[1]).value()),
-                       core::bestStringFromURL(foundation::fileUrl(argv[2]).value())};
+                       core::bestStringFromURL(foundation::fileUrl(argv[2]).value(),
+                                               platform::SystemFileContents())};
     const double oursSeconds = secondsOf([&] { ours(task); });
     const double otherSeconds = secondsOf([&] { other(task); });
     std::printf("%.6f %.6f\n", oursSeconds, otherSeconds);

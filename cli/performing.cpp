@@ -13,6 +13,7 @@
 #include "core/script_compiler.h"
 #include "platform/byte_stream.h"
 #include "platform/platform_error.h"
+#include "platform/system_platform.h"
 #include "scripting/dispatcher.h"
 #include "scripting/json/typed_json_reader.h"
 #include "scripting/json/typed_json_writer.h"
@@ -29,11 +30,13 @@ using scripting::JsonSource;
 struct Process {
   core::NoApplication application;
   core::NoScriptCompiler compiler;
+  platform::SystemPlatform platform;
+  platform::SystemClock clock;
   core::MainLoop loop;
   core::WorkerPool pool;
-  scripting::Dispatcher dispatcher{scripting::skerrowDictionary(),
-                                   scripting::skerrowDictionaryClasses(), loop,
-                                   core::CommandContext{application, pool, compiler}};
+  scripting::Dispatcher dispatcher{
+      scripting::skerrowDictionary(), scripting::skerrowDictionaryClasses(), loop,
+      core::CommandContext{application, pool, compiler, platform, clock}};
   core::Reply reply;  // of the only command
 
   // Never taken down: a command that timed out may still work in it, and the

@@ -21,6 +21,8 @@
 #include "core/cancel_token.h"
 #include "core/script_error.h"
 #include "core/shared_services.h"
+#include "platform/clock.h"
+#include "platform/platform.h"
 #include "values/script_value.h"
 #include "values/value.h"
 
@@ -41,6 +43,8 @@ struct CommandContext {
   ApplicationDelegate& delegate;
   WorkerPool& pool;
   const ScriptCompiler& compiler;
+  const platform::Platform& platform;
+  const platform::Clock& clock;
   /// What commands share. A command that needs a service in its task takes hold of
   /// it in its checks.
   std::shared_ptr<SharedServices> services = std::make_shared<SharedServices>();

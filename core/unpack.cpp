@@ -11,7 +11,6 @@
 #include "foundation/encoding/code_text.h"
 #include "foundation/text/text_encoding.h"
 #include "foundation/url/url.h"
-#include "platform/byte_stream.h"
 #include "platform/platform_error.h"
 #include "values/keys.h"
 #include "values/record.h"
@@ -297,29 +296,31 @@ Value unpackAEListJustText(const ScriptValue& list) {
   return eachItem(list.items(), unpackTextOrList);
 }
 
-Value unpackTextOrListOrFile(const ScriptValue& value) {
-  if (value.type() == "list"_code) return unpackAEListJustTextOrFile(value);
+Value unpackTextOrListOrFile(const ScriptValue& value, const platform::FileContents& files) {
+  if (value.type() == "list"_code) return unpackAEListJustTextOrFile(value, files);
   if (!isFileType(value.type())) return unpackTextOrList(value);
   const auto url = urlFromScriptValue(value);
   if (!url) throw ScriptError(kUnreadableFile, "The file reference does not name a file.");
   try {
-    return bestStringFromURL(*url);
+    return bestStringFromURL(*url, files);
   } catch (const platform::PlatformError& error) {
     throw ScriptError(kUnreadableFile, error.localizedDescription());
   }
 }
 
-Value unpackAEListJustTextOrFile(const ScriptValue& list) {
-  return eachItem(list.items(), unpackTextOrListOrFile);
+Value unpackAEListJustTextOrFile(const ScriptValue& list, const platform::FileContents& files) {
+  return eachItem(list.items(), [&files](const ScriptValue& item) {
+    return unpackTextOrListOrFile(item, files);
+  });
 }
 
-Text bestStringFromURL(const Url& url) {
+Text bestStringFromURL(const Url& url, const platform::FileContents& files) {
   const auto path = foundation::filePath(url);
   if (!path) {
     throw platform::PlatformError("Could not read “" + url.absoluteString +
                                   "”: it is not the address of a file on this machine.");
   }
-  const std::string bytes = platform::readWholeFile(*path);
+  const std::string bytes = files.readWhole(*path);
   if (auto text = foundation::utf16FromUtf8(bytes)) return Text(std::move(*text));
   return Text(foundation::utf16FromMacRoman(bytes));
 }

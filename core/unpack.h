@@ -8,6 +8,7 @@
 #include <span>
 #include <string>
 
+#include "platform/file_contents.h"
 #include "values/script_value.h"
 #include "values/value.h"
 
@@ -54,12 +55,12 @@ Value unpackAEListJustText(const ScriptValue& list);
 /// As `unpackTextOrList`, and a file reference becomes the file's text. Throws
 /// ScriptError 1012 with the platform's description for a file that cannot be
 /// read; in a list the items after the first such file are not looked at.
-Value unpackTextOrListOrFile(const ScriptValue& value);
-Value unpackAEListJustTextOrFile(const ScriptValue& list);
+Value unpackTextOrListOrFile(const ScriptValue& value, const platform::FileContents& files);
+Value unpackAEListJustTextOrFile(const ScriptValue& list, const platform::FileContents& files);
 
 /// The whole text of a file: UTF-8, or Mac OS Roman where it is not valid UTF-8.
 /// Throws platform::PlatformError when the file cannot be read.
-Text bestStringFromURL(const Url& url);
+Text bestStringFromURL(const Url& url, const platform::FileContents& files);
 
 /// The class codes of `unpackTextNumberDate`.
 enum class ValueClass : int { text = 1, number = 2, date = 3, other = 1000 };

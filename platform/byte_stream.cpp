@@ -91,7 +91,8 @@ std::string readWholeFile(const std::string& path) {
   // Looked at before it is opened: opening a pipe would wait for its other end.
   struct stat status = {};
   if (::stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
-    throw PlatformError("Could not read " + quoted(path) + ": it is not a regular file.");
+    throw PlatformError("Could not read " + quoted(path) + ": it is not a regular file.",
+                        S_ISDIR(status.st_mode) ? Failure::isAFolder : Failure::other);
   }
   InputFile file(path);
   std::string content(status.st_size > 0 ? static_cast<std::size_t>(status.st_size) + 1 : 4096,

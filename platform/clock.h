@@ -5,17 +5,14 @@
 
 #include <chrono>
 
+#include "platform/interface.h"
+
 namespace skerrow::platform {
 
-class Clock {
+class Clock : public Interface {
  public:
   using Wall = std::chrono::system_clock::time_point;
   using Steady = std::chrono::steady_clock::time_point;
-
-  Clock() = default;
-  Clock(const Clock&) = delete;
-  Clock& operator=(const Clock&) = delete;
-  virtual ~Clock() = default;
 
   /// The date and time of day, which may be set back and forth.
   [[nodiscard]] virtual Wall wall() const noexcept = 0;

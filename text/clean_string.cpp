@@ -93,9 +93,10 @@ class SKWCleanString final : public core::Command {
   std::optional<Value> compute() override { return cleanTextWithin(*takeDirectParameter()); }
 
   [[nodiscard]] std::optional<Value> cleanTextWithin(const ScriptValue& value) const {
-    return mapTexts(value, {.convert = [this](const Text& text) { return cleanTheText(text); },
-                            .textFromFile = readingFiles(kUnreadableFile),
-                            .cancelToken = cancelToken()});
+    return mapTexts(value,
+                    {.convert = [this](const Text& text) { return cleanTheText(text); },
+                     .textFromFile = readingFiles(context().platform.contents, kUnreadableFile),
+                     .cancelToken = cancelToken()});
   }
 
   [[nodiscard]] std::optional<Value> cleanTheText(const Text& given) const {

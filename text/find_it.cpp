@@ -101,7 +101,7 @@ class SKWFindIt final : public core::Command {
   }
 
   [[nodiscard]] Value search() const {
-    const Value searched = core::unpackTextOrListOrFile(searched_);
+    const Value searched = core::unpackTextOrListOrFile(searched_, context().platform.contents);
     if (searched.isText()) return searchTheText(searched.sharedText());
     if (!searched.isList()) throw ScriptError(kNotTexts);
     Items results;
@@ -130,12 +130,13 @@ class SKWFindIt final : public core::Command {
   }
 
   [[nodiscard]] std::optional<Value> unpackAndMunge() const {
-    return mapTexts(searched_, {.convert = [this](const Text& text) -> std::optional<Value> {
-                                  return service_->stringByReplacingOccurrencesOfRegex(
-                                      text, pattern_, *replacement_, call_);
-                                },
-                                .textFromFile = readingFiles(kUnreadableFile),
-                                .cancelToken = cancelToken()});
+    return mapTexts(searched_,
+                    {.convert = [this](const Text& text) -> std::optional<Value> {
+                       return service_->stringByReplacingOccurrencesOfRegex(text, pattern_,
+                                                                            *replacement_, call_);
+                     },
+                     .textFromFile = readingFiles(context().platform.contents, kUnreadableFile),
+                     .cancelToken = cancelToken()});
   }
 
   std::shared_ptr<RegexService> service_;

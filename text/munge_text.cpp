@@ -139,9 +139,10 @@ class SKWMungeText final : public core::Command {
   std::optional<Value> compute() override { return mungeTextWithin(*takeDirectParameter()); }
 
   [[nodiscard]] std::optional<Value> mungeTextWithin(const ScriptValue& value) {
-    return mapTexts(value, {.convert = [this](const Text& text) { return mungeTheText(text); },
-                            .textFromFile = readingFiles(kUnreadableFile),
-                            .cancelToken = cancelToken()});
+    return mapTexts(value,
+                    {.convert = [this](const Text& text) { return mungeTheText(text); },
+                     .textFromFile = readingFiles(context().platform.contents, kUnreadableFile),
+                     .cancelToken = cancelToken()});
   }
 
   [[nodiscard]] std::optional<Value> mungeTheText(const Text& given) {
@@ -236,6 +237,11 @@ class SKWMungeText final : public core::Command {
     return true;
   }
 
+  bool standardizePath(WorkingText& text) {
+    text = foundation::standardizedPath(text.view(), context().platform);
+    return true;
+  }
+
   bool collapseSpaces(WorkingText& text) {
     removeSpacesAtLineEdges(text.units());
     collapseSpaceRuns(text.units());
@@ -284,7 +290,7 @@ std::span<const SKWMungeText::Modification> SKWMungeText::modifications() {
        &SKWMungeText::transform<kToDecimal, &SKWMungeText::toDecimal_>},
       {Code::escapeNonASCIIHex,
        &SKWMungeText::transform<kToHexadecimal, &SKWMungeText::toHexadecimal_>},
-      {Code::standardizePath, &SKWMungeText::convert<foundation::standardizedPath>},
+      {Code::standardizePath, &SKWMungeText::standardizePath},
       {Code::parseTSV, nullptr, parseTSVIn},
       {Code::collapseSpaces, &SKWMungeText::collapseSpaces},
       {Code::removeBlankLines, &SKWMungeText::removeBlankLines},

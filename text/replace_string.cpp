@@ -29,8 +29,8 @@ constexpr ErrorEntry kFirstAndLast = {
     1062, "The 'only last' option can't be used with the 'only first' option."};
 
 // Kept: of a file that can be read, the address is what is changed and answered.
-Text addressOfReadableFile(const ScriptValue& file) {
-  static_cast<void>(textOfFile(file, kUnreadableFile));
+Text addressOfReadableFile(const ScriptValue& file, const platform::FileContents& files) {
+  static_cast<void>(textOfFile(file, files, kUnreadableFile));
   return Text(foundation::utf16FromUtf8Replacing(core::urlFromScriptValue(file)->absoluteString));
 }
 
@@ -55,11 +55,14 @@ class SKWReplaceString final : public core::Command {
   }
 
   std::optional<Value> compute() override {
-    return mapTexts(searched_, {.convert = [this](const Text& text) -> std::optional<Value> {
-                                  return replaced(text);
-                                },
-                                .textFromFile = addressOfReadableFile,
-                                .cancelToken = cancelToken()});
+    return mapTexts(
+        searched_,
+        {.convert = [this](const Text& text) -> std::optional<Value> { return replaced(text); },
+         .textFromFile =
+             [this](const ScriptValue& file) {
+               return addressOfReadableFile(file, context().platform.contents);
+             },
+         .cancelToken = cancelToken()});
   }
 
   // Without a replacement, and where nothing is found, the text as it is.

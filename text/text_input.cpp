@@ -29,18 +29,21 @@ std::optional<Value> mapList(std::span<const ScriptValue> items, const TextMappi
 
 }  // namespace
 
-Text textOfFile(const ScriptValue& file, int errorNumber) {
+Text textOfFile(const ScriptValue& file, const platform::FileContents& files, int errorNumber) {
   const std::optional<Url> url = core::urlFromScriptValue(file);
   if (!url) throw ScriptError(errorNumber, "The file reference does not name a file.");
   try {
-    return core::bestStringFromURL(*url);
+    return core::bestStringFromURL(*url, files);
   } catch (const platform::PlatformError& error) {
     throw ScriptError(errorNumber, error.localizedDescription());
   }
 }
 
-std::function<Text(const ScriptValue& file)> readingFiles(int errorNumber) {
-  return [errorNumber](const ScriptValue& file) { return textOfFile(file, errorNumber); };
+std::function<Text(const ScriptValue& file)> readingFiles(const platform::FileContents& files,
+                                                          int errorNumber) {
+  return [&files, errorNumber](const ScriptValue& file) {
+    return textOfFile(file, files, errorNumber);
+  };
 }
 
 std::optional<Value> mapTexts(const ScriptValue& given, const TextMapping& mapping) {

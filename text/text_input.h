@@ -9,6 +9,7 @@
 
 #include "core/cancel_token.h"
 #include "core/script_error.h"
+#include "platform/file_contents.h"
 #include "scripting/refusal.h"
 #include "values/script_value.h"
 #include "values/value.h"
@@ -21,7 +22,7 @@ using scripting::refuseMissing;
 
 /// The text of the file that a file reference names. A file that cannot be read
 /// throws ScriptError with this number and the reason as its message.
-Text textOfFile(const ScriptValue& file, int errorNumber);
+Text textOfFile(const ScriptValue& file, const platform::FileContents& files, int errorNumber);
 
 /// What a command makes of texts, wherever they stand in what it is given.
 struct TextMapping {
@@ -33,7 +34,8 @@ struct TextMapping {
 };
 
 /// For `textFromFile`: the file's own text, by textOfFile.
-std::function<Text(const ScriptValue& file)> readingFiles(int errorNumber);
+std::function<Text(const ScriptValue& file)> readingFiles(const platform::FileContents& files,
+                                                          int errorNumber);
 
 /// Converts a text or the text of a file; a list item by item, at every depth.
 /// Values of any other type, missing value among them, come back as they are. When

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "foundation/text/text_encoding.h"
-#include "platform/path_facts.h"
 
 namespace skerrow::foundation {
 
@@ -35,12 +34,13 @@ std::u16string absolutePathOf(const Components& components) {
   return path.empty() ? u"/" : path;
 }
 
-std::u16string withTildeExpanded(std::u16string_view path) {
+std::u16string withTildeExpanded(std::u16string_view path, const platform::Platform& platform) {
   if (!path.starts_with(u'~')) return std::u16string(path);
   const std::size_t end = std::min(path.find(u'/'), path.size());
   const std::u16string_view user = path.substr(1, end - 1);
   if (holdsNul(user)) return std::u16string(path);
-  const std::optional<std::string> home = platform::homeFolder(utf8FromUtf16(user));
+  const std::optional<std::string> home =
+      platform::homeFolder(platform.environment, platform.accounts, utf8FromUtf16(user));
   if (!home) return std::u16string(path);
   return utf16FromUtf8Replacing(*home) + std::u16string(path.substr(end));
 }
@@ -48,6 +48,8 @@ std::u16string withTildeExpanded(std::u16string_view path) {
 // An absolute path on its way through its components.
 class Walk {
  public:
+  explicit Walk(const platform::FileFacts& facts) : facts_(facts) {}
+
   void goInto(std::u16string component) {
     unitCount_ += component.size() + 1;
     components_.push_back(std::move(component));
@@ -71,7 +73,7 @@ class Walk {
     if (unitCount_ > kLongestPath) return;
     const std::u16string folder = path();
     if (holdsNul(folder)) return;
-    const auto real = platform::resolvedLink(utf8FromUtf16(folder));
+    const auto real = facts_.resolvedLink(utf8FromUtf16(folder));
     if (!real) return;
     components_.clear();
     unitCount_ = 0;
@@ -80,15 +82,16 @@ class Walk {
     }
   }
 
+  const platform::FileFacts& facts_;
   Components components_;
   std::size_t unitCount_ = 0;  // of the path
 };
 
 }  // namespace
 
-std::u16string standardizedPath(std::u16string_view path) {
+std::u16string standardizedPath(std::u16string_view path, const platform::Platform& platform) {
   if (path.empty()) return {};
-  const std::u16string expanded = withTildeExpanded(path);
+  const std::u16string expanded = withTildeExpanded(path, platform);
   if (!expanded.starts_with(u'/')) {
     std::u16string relative;
     for (const std::u16string& component : componentsOf(expanded)) {
@@ -96,7 +99,7 @@ std::u16string standardizedPath(std::u16string_view path) {
     }
     return relative.empty() ? u"." : relative;
   }
-  Walk walk;
+  Walk walk(platform.facts);
   for (std::u16string& component : componentsOf(expanded)) {
     if (component == u"..") {
       walk.goToParent();

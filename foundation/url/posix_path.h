@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/platform.h"
+
 namespace skerrow::foundation {
 
 /// The path in its standard form: a leading ~ or ~user expanded (an unknown user
@@ -11,6 +13,6 @@ namespace skerrow::foundation {
 /// absolute path ".." goes to the real parent: behind a symbolic link, to the parent
 /// of what the link leads to; otherwise the component before it is dropped. In a
 /// relative path ".." stays. Other symbolic links stay as they are.
-std::u16string standardizedPath(std::u16string_view path);
+std::u16string standardizedPath(std::u16string_view path, const platform::Platform& platform);
 
 }  // namespace skerrow::foundation

@@ -16,6 +16,7 @@
 #include "core/application_delegate.h"
 #include "core/operation_queue.h"
 #include "core/script_compiler.h"
+#include "platform/system_platform.h"
 #include "tests/core/waiting.h"
 #include "tests/support/building.h"
 #include "tests/support/describe.h"
@@ -126,8 +127,10 @@ class CommandTest : public testing::Test {
   std::thread::id replyThread_;
   LoggingDelegate delegate_{log_};
   NoScriptCompiler compiler_;
+  platform::SystemPlatform platform_;
+  platform::SystemClock clock_;
   WorkerPool pool_;  // goes first, with what runs in it
-  CommandContext context_{delegate_, pool_, compiler_};
+  CommandContext context_{delegate_, pool_, compiler_, platform_, clock_};
 };
 
 TEST_F(CommandTest, IsCreatedThenCheckingThenSuspendedThenResumed) {
@@ -446,7 +449,7 @@ TEST_F(CommandTest, UsesTheQuitTimerInItsOrder) {
       if (row.fails) throw std::runtime_error("Failed.");
       return std::nullopt;
     };
-    const CommandContext context{delegate, pool_, compiler_};
+    const CommandContext context{delegate, pool_, compiler_, platform_, clock_};
     command->prepare(std::nullopt, {}, context, [&](const Reply&) {
       log.add("resumed");
       replied.set();
@@ -464,8 +467,10 @@ TEST_F(CommandTest, UsesTheQuitTimerInItsOrder) {
 void performOneThatThrowsAnInteger() {
   NoApplication delegate;
   NoScriptCompiler compiler;
+  const platform::SystemPlatform platform;
+  const platform::SystemClock clock;
   WorkerPool pool;
-  const CommandContext context{delegate, pool, compiler};
+  const CommandContext context{delegate, pool, compiler, platform, clock};
   Signal replied;
   auto command = std::make_shared<TestCommand>();
   command->onCompute = [](TestCommand&) -> std::optional<Value> { throw 42; };

@@ -1,6 +1,5 @@
 // The operations that read a file where a script gave one for its text.
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -11,9 +10,11 @@
 #include "core/unpack.h"
 #include "foundation/url/url.h"
 #include "platform/platform_error.h"
+#include "platform/system_platform.h"
 #include "tests/support/building.h"
 #include "tests/support/describe.h"
 #include "tests/support/scratch_folder.h"
+#include "tests/support/test_platform.h"
 
 namespace skerrow::core {
 namespace {
@@ -27,6 +28,10 @@ using tests::scriptText;
 
 ScriptValue fileAt(const std::string& path) {
   return fileReference(foundation::fileUrl(path).value().absoluteString);
+}
+
+Value unpackTextOrListOrFile(const ScriptValue& value) {
+  return core::unpackTextOrListOrFile(value, platform::SystemFileContents());
 }
 
 std::string failureOf(const ScriptValue& value) {
@@ -64,7 +69,9 @@ TEST(BestStringFromUrl, ReadsUtf8AndMacOsRomanWhereItIsNone) {
   for (const ContentRow& row : rows) {
     SCOPED_TRACE(row.about);
     const std::string path = folder.write("a file é", row.bytes);
-    EXPECT_EQ(described(bestStringFromURL(foundation::fileUrl(path).value()).view()),
+    EXPECT_EQ(described(bestStringFromURL(foundation::fileUrl(path).value(),
+                                          platform::SystemFileContents())
+                            .view()),
               described(row.text));
     EXPECT_EQ(described(unpackTextOrListOrFile(fileAt(path))), described(row.text));
     EXPECT_EQ(described(unpackTextOrListOrFile(ScriptValue::withPayload("alis"_code, path))),
@@ -77,7 +84,7 @@ TEST(BestStringFromUrl, ReadsUtf8AndMacOsRomanWhereItIsNone) {
 TEST(BestStringFromUrl, FailsOnAddressesThatAreNoFileOfThisMachine) {
   for (const char* address : {"http://example.org/a", "file://elsewhere/a", "mailto:a@b", ""}) {
     try {
-      bestStringFromURL(Url{address});
+      bestStringFromURL(Url{address}, platform::SystemFileContents());
       ADD_FAILURE() << address;
     } catch (const platform::PlatformError& error) {
       EXPECT_EQ(error.localizedDescription(),
@@ -125,7 +132,8 @@ TEST(UnpackAEListJustTextOrFile, PutsTheTextOfEachFileInItsPlace) {
       {fileAt(one), scriptText(u"a"), ScriptValue::list({fileAt(two), ScriptValue::boolean(true)}),
        ScriptValue::list({})});
   constexpr const char* kExpected = "[“first”, “a”, [“\\u00E9”, raw 'true' ], []]";
-  EXPECT_EQ(described(unpackAEListJustTextOrFile(list)), kExpected);
+  EXPECT_EQ(described(core::unpackAEListJustTextOrFile(list, platform::SystemFileContents())),
+            kExpected);
   EXPECT_EQ(described(unpackTextOrListOrFile(list)), kExpected);
 }
 
@@ -141,16 +149,14 @@ TEST(UnpackAEListJustTextOrFile, StopsAtTheFirstFileThatCannotBeRead) {
             expected);
 }
 
-// Reading moves the time of last access of a file that was never read.
 TEST(UnpackAEListJustTextOrFile, DoesNotLookAtTheItemsAfterIt) {
-  const ScratchFolder folder;
-  const std::string after = folder.write("after", "text");
-  const timespec longAgo[] = {{1, 0}, {1, 0}};
-  ASSERT_EQ(::utimensat(AT_FDCWD, after.c_str(), longAgo, 0), 0);
-  failureOf(ScriptValue::list({fileAt(folder.path("missing")), fileAt(after)}));
-  struct stat status = {};
-  ASSERT_EQ(::stat(after.c_str(), &status), 0);
-  EXPECT_EQ(status.st_atim.tv_sec, 1);
+  const platform::SystemPlatform system;
+  tests::FailingPlatform failing(system);
+  failing.fail("readWhole /missing", platform::PlatformError("It is gone."));
+  const tests::RecordingPlatform platform(failing);
+  const ScriptValue list = ScriptValue::list({fileAt("/missing"), fileAt("/after")});
+  EXPECT_THROW(core::unpackTextOrListOrFile(list, platform.contents), ScriptError);
+  EXPECT_EQ(platform.calls(), std::vector<std::string>{"readWhole /missing"});
 }
 
 }  // namespace

@@ -15,6 +15,7 @@
 #include "core/operation_queue.h"
 #include "core/script_compiler.h"
 #include "foundation/text/text_encoding.h"
+#include "platform/system_platform.h"
 #include "tests/scripting/test_commands.h"
 #include "tests/support/building.h"
 #include "tests/support/describe.h"
@@ -89,11 +90,13 @@ class DispatcherTest : public testing::Test {
   std::map<std::string, std::vector<std::string>> replies_;
   core::NoApplication application_;
   core::NoScriptCompiler compiler_;
+  platform::SystemPlatform platform_;
+  platform::SystemClock clock_;
   core::MainLoop loop_;
   core::WorkerPool pool_;
-  std::optional<Dispatcher> dispatcher_{std::in_place, testDictionary(), testDictionaryClasses(),
-                                        loop_,
-                                        core::CommandContext{application_, pool_, compiler_}};
+  std::optional<Dispatcher> dispatcher_{
+      std::in_place, testDictionary(), testDictionaryClasses(), loop_,
+      core::CommandContext{application_, pool_, compiler_, platform_, clock_}};
 };
 
 struct ReplyRow {
@@ -341,10 +344,12 @@ TEST_F(DispatcherTest, ShutsDownUnderLoad) {
 void sendElsewhere() {
   core::NoApplication application;
   core::NoScriptCompiler compiler;
+  const platform::SystemPlatform platform;
+  const platform::SystemClock clock;
   core::MainLoop loop;
   core::WorkerPool pool;
   Dispatcher dispatcher(testDictionary(), testDictionaryClasses(), loop,
-                        core::CommandContext{application, pool, compiler});
+                        core::CommandContext{application, pool, compiler, platform, clock});
   std::jthread([&] { dispatcher.send(event("TestEcho"), [](const core::Reply&) {}); }).join();
 }
 

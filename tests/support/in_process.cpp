@@ -8,7 +8,10 @@
 namespace skerrow::tests {
 
 InProcess::InProcess(std::shared_ptr<core::SharedServices> services)
-    : services_(std::move(services)) {}
+    : platform_(system_), services_(std::move(services)) {}
+
+InProcess::InProcess(const platform::Platform& platform)
+    : platform_(platform), services_(std::make_shared<core::SharedServices>()) {}
 
 std::string InProcess::answer(std::string_view event) {
   scripting::JsonSource source{event};

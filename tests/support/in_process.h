@@ -12,6 +12,7 @@
 #include "core/operation_queue.h"
 #include "core/script_compiler.h"
 #include "core/shared_services.h"
+#include "platform/system_platform.h"
 #include "scripting/dictionary.h"
 #include "scripting/dispatcher.h"
 #include "scripting/event.h"
@@ -20,8 +21,11 @@ namespace skerrow::tests {
 
 class InProcess {
  public:
+  /// On this machine.
   explicit InProcess(
       std::shared_ptr<core::SharedServices> services = std::make_shared<core::SharedServices>());
+  /// On another platform, whose parts outlive this.
+  explicit InProcess(const platform::Platform& platform);
 
   core::Reply perform(scripting::Event event) { return dispatcher_.perform(std::move(event)); }
 
@@ -29,6 +33,9 @@ class InProcess {
   std::string answer(std::string_view event);
 
  private:
+  platform::SystemPlatform system_;
+  platform::SystemClock clock_;
+  platform::Platform platform_;
   std::shared_ptr<core::SharedServices> services_;
   core::NoApplication application_;
   core::NoScriptCompiler compiler_;
@@ -36,7 +43,7 @@ class InProcess {
   core::WorkerPool pool_;
   scripting::Dispatcher dispatcher_{
       scripting::skerrowDictionary(), scripting::skerrowDictionaryClasses(), loop_,
-      core::CommandContext{application_, pool_, compiler_, services_}};
+      core::CommandContext{application_, pool_, compiler_, platform_, clock_, services_}};
 };
 
 }  // namespace skerrow::tests

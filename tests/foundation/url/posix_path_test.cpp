@@ -2,20 +2,25 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <string>
 
 #include "foundation/text/text_encoding.h"
+#include "platform/system_platform.h"
 #include "tests/support/scratch_folder.h"
+#include "tests/support/test_platform.h"
 
 namespace skerrow::foundation {
 namespace {
 
 namespace fs = std::filesystem;
 
+std::string standardized(const std::string& path, const platform::Platform& platform) {
+  return utf8FromUtf16(standardizedPath(utf16FromUtf8Replacing(path), platform));
+}
+
 std::string standardized(const std::string& path) {
-  return utf8FromUtf16(standardizedPath(utf16FromUtf8Replacing(path)));
+  return standardized(path, platform::SystemPlatform());
 }
 
 TEST(PosixPath, LeavesOutWhatChangesNothing) {
@@ -47,31 +52,19 @@ TEST(PosixPath, LeavesOutWhatChangesNothing) {
 
 TEST(PosixPath, KeepsUnitsThatNoFileNameCanHold) {
   const std::u16string path = {u'/', u'\xD800', u'/', u'/', u'\0', u'/', u'.', u'.'};
-  EXPECT_EQ(standardizedPath(path), (std::u16string{u'/', u'\xD800'}));
+  EXPECT_EQ(standardizedPath(path, platform::SystemPlatform()), (std::u16string{u'/', u'\xD800'}));
 }
 
-class PosixPathWithHome : public testing::Test {
- protected:
-  PosixPathWithHome() { ::setenv("HOME", "/home/of mine", 1); }
-  ~PosixPathWithHome() override {
-    if (before) {
-      ::setenv("HOME", before->c_str(), 1);
-    } else {
-      ::unsetenv("HOME");
-    }
-  }
-  const std::optional<std::string> before = std::getenv("HOME") == nullptr
-                                                ? std::nullopt
-                                                : std::optional<std::string>(std::getenv("HOME"));
-};
-
-TEST_F(PosixPathWithHome, ExpandsATildeInFront) {
-  EXPECT_EQ(standardized("~"), "/home/of mine");
-  EXPECT_EQ(standardized("~/"), "/home/of mine");
-  EXPECT_EQ(standardized("~/a/./b"), "/home/of mine/a/b");
-  EXPECT_EQ(standardized("~/.."), "/home");
-  EXPECT_EQ(standardized("~root/x"), "/root/x");
-  EXPECT_EQ(standardized("~no-such-user/x/"), "~no-such-user/x");
+TEST(PosixPath, ExpandsATildeInFront) {
+  const platform::SystemPlatform system;
+  const tests::GivenEnvironment environment(system.environment, {{"HOME", "/home/of mine"}});
+  const platform::Platform platform = tests::withEnvironment(system, environment);
+  EXPECT_EQ(standardized("~", platform), "/home/of mine");
+  EXPECT_EQ(standardized("~/", platform), "/home/of mine");
+  EXPECT_EQ(standardized("~/a/./b", platform), "/home/of mine/a/b");
+  EXPECT_EQ(standardized("~/..", platform), "/home");
+  EXPECT_EQ(standardized("~root/x", platform), "/root/x");
+  EXPECT_EQ(standardized("~no-such-user/x/", platform), "~no-such-user/x");
 }
 
 // Longer than the system takes, so no link is looked for; a time that grew with the
@@ -83,7 +76,7 @@ TEST(PosixPath, GoesUpInPathsOfAnyLength) {
     path += u"a/../b/./";
     expected += u"/b";
   }
-  EXPECT_EQ(standardizedPath(path), expected);
+  EXPECT_EQ(standardizedPath(path, platform::SystemPlatform()), expected);
 }
 
 class PosixPathOnDisk : public testing::Test {
