@@ -14,7 +14,7 @@ configure = [ -f build/$(1)/build.ninja ] || { mkdir -p build/$(1) && \
 build = $(call configure,$(1)) && cmake --build --preset $(1) -j $(JOBS)
 test = ctest --preset $(1)
 
-.PHONY: demo test build bench install docs docs-check format format-check lint asan tsan \
+.PHONY: demo test accept build bench install docs docs-check format format-check lint asan tsan \
         check-includes clean
 
 demo:
@@ -26,6 +26,12 @@ test:
 	@tools/setup.sh build test
 	@$(call build,dev)
 	@$(call test,dev)
+
+# Shows what the tables of cases do not expect; accepts it with ACCEPT=1 or when told to.
+accept:
+	@tools/setup.sh build test
+	@$(call build,dev) --target accept_answers
+	@build/dev/tests/accept_answers $(if $(ACCEPT),--write)
 
 build:
 	@$(call build,release)

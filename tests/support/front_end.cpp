@@ -4,10 +4,12 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "platform/system_platform.h"
 #include "scripting/json/typed_json_reader.h"
 #include "scripting/json/typed_json_writer.h"
 #include "tests/support/in_process.h"
 #include "tests/support/program.h"
+#include "tests/support/test_platform.h"
 
 namespace skerrow::tests {
 
@@ -15,9 +17,10 @@ namespace {
 
 using Events = std::span<const std::string>;
 
-// Through the dispatcher, in this very process.
-std::vector<std::string> answersInProcess(Events events) {
-  InProcess commands;
+std::vector<std::string> answersInProcess(Events events, const Variables& environment) {
+  const platform::SystemPlatform system;
+  const GivenEnvironment given(system.environment, environment);
+  InProcess commands(withEnvironment(system, given));
   std::vector<std::string> answers;
   for (const std::string& event : events) {
     scripting::JsonSource source{std::string_view(event)};
@@ -30,10 +33,12 @@ std::vector<std::string> answersInProcess(Events events) {
 }
 
 // Through the real program, all events in one process.
-std::vector<std::string> answersOfProgram(Events events) {
+std::vector<std::string> answersOfProgram(Events events, const Variables& environment) {
   std::string input;
   for (const std::string& event : events) input += event + "\n";
-  const ProgramEnd end = runProgram({.words = {"perform", "--stdin"}}, input);
+  ProgramSetup setup{.words = {"perform", "--stdin"}};
+  for (const auto& [name, value] : environment) setup.environment.push_back(name + "=" + value);
+  const ProgramEnd end = runProgram(setup, input);
   if (!end.isExit(0) || !end.errors.empty()) {
     throw std::runtime_error("the program did not end well: " + end.summary());
   }
@@ -45,8 +50,8 @@ std::vector<std::string> answersOfProgram(Events events) {
 
 }  // namespace
 
-std::vector<FrontEnd> frontEnds() {
-  return {{"InProcess", answersInProcess}, {"Program", answersOfProgram}};
-}
+FrontEnd inProcessFrontEnd() { return {"InProcess", answersInProcess}; }
+
+std::vector<FrontEnd> frontEnds() { return {inProcessFrontEnd(), {"Program", answersOfProgram}}; }
 
 }  // namespace skerrow::tests

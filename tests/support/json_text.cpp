@@ -80,6 +80,7 @@ class Splitter : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Splitter
   bool Key(const char* name, rapidjson::SizeType count, bool /*copy*/) {
     if (depth_ != 1) return true;
     name_.assign(name, count);
+    memberBegin_ = text_.find('"', begin_);
     begin_ = stream_.Tell();
     return true;
   }
@@ -96,16 +97,23 @@ class Splitter : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Splitter
   }
   bool endValue() {
     if (depth_ != 1) return true;
+    const std::size_t end = stream_.Tell();
     begin_ = text_.find_first_not_of(" \t\r\n,:", begin_);
-    parts_.push_back({std::exchange(name_, {}), text_.substr(begin_, stream_.Tell() - begin_)});
-    begin_ = stream_.Tell();
+    const std::size_t memberBegin = std::exchange(memberBegin_, kNone);
+    const std::size_t wholeBegin = memberBegin == kNone ? begin_ : memberBegin;
+    parts_.push_back({std::exchange(name_, {}), text_.substr(begin_, end - begin_),
+                      text_.substr(wholeBegin, end - wholeBegin)});
+    begin_ = end;
     return true;
   }
 
   std::string_view text_;
   const rapidjson::MemoryStream& stream_;
   std::string name_;
+  static constexpr std::size_t kNone = std::string_view::npos;
+
   std::size_t begin_ = 0;
+  std::size_t memberBegin_ = kNone;
   int depth_ = 0;
   std::vector<JsonPart> parts_;
 };

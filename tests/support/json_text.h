@@ -31,6 +31,7 @@ std::string normalJson(std::string_view text);
 struct JsonPart {
   std::string name;  ///< of a member; empty for an item
   std::string_view text;
+  std::string_view member = {};  ///< the text with its name; as the text for an item
 };
 
 /// The members of the object, or the items of the array, that the text is. Throws
