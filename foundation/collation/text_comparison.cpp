@@ -3,22 +3,19 @@
 #include <unicode/ucol.h>
 #include <unicode/uloc.h>
 #include <unicode/unorm.h>
-#include <unicode/unorm2.h>
 #include <unicode/ustring.h>
 
 #include <algorithm>
 #include <cstring>
 #include <stdexcept>
 
+#include "foundation/text/canonical_form.h"
+#include "foundation/text/code_points.h"
 #include "foundation/text/icu_text.h"
 
 namespace skerrow::foundation {
 
 namespace {
-
-char16_t lowercaseAscii(char16_t unit) {
-  return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 32) : unit;
-}
 
 // Folded and canonical: what is ASCII at the front is decided without ICU, as no
 // ASCII character takes part in a composition with what stands before it.
@@ -31,9 +28,13 @@ std::weak_ordering compareFolded(std::u16string_view a, std::u16string_view b) {
     if (unitOfA != unitOfB) return unitOfA <=> unitOfB;
   }
   if (i == shorter) return a.size() <=> b.size();
+  std::u16string roomOfA;
+  std::u16string roomOfB;
+  a = withOrderedMarks(a.substr(i), roomOfA);
+  b = withOrderedMarks(b.substr(i), roomOfB);
   UErrorCode status = U_ZERO_ERROR;
-  const std::int32_t order = unorm_compare(a.data() + i, icuLength(a.substr(i)), b.data() + i,
-                                           icuLength(b.substr(i)), U_COMPARE_IGNORE_CASE, &status);
+  const std::int32_t order = unorm_compare(icuUnits(a), icuLength(a), icuUnits(b), icuLength(b),
+                                           U_COMPARE_IGNORE_CASE, &status);
   return U_SUCCESS(status) ? order <=> 0 : std::weak_ordering(a <=> b);
 }
 
@@ -55,26 +56,19 @@ std::string userLocale() {
 
 std::u16string caselessForm(std::u16string_view text) {
   std::u16string form(text);
-  if (std::ranges::all_of(text, [](char16_t unit) { return unit < 0x80; })) {
+  if (isAsciiOnly(text)) {
     std::ranges::transform(form, form.begin(), lowercaseAscii);
     return form;
   }
   // NFD of the folded NFD is the caseless match of the Unicode Standard, section 3.13 (D145).
-  UErrorCode status = U_ZERO_ERROR;
-  const UNormalizer2* const decomposition = unorm2_getNFDInstance(&status);
-  const auto decompose = [&](const std::u16string& from) {
-    std::u16string into;
-    convertInto(into, from.size(), [&](char16_t* units, std::int32_t room, UErrorCode* error) {
-      return unorm2_normalize(decomposition, from.data(), icuLength(from), units, room, error);
-    });
-    return into;
-  };
-  const std::u16string decomposed = decompose(form);
+  std::u16string decomposed;
+  makeCanonical(CanonicalForm::decomposed, text, decomposed);
   convertInto(form, form.size(), [&](char16_t* units, std::int32_t room, UErrorCode* error) {
     return u_strFoldCase(units, room, decomposed.data(), icuLength(decomposed), U_FOLD_CASE_DEFAULT,
                          error);
   });
-  return decompose(form);
+  makeCanonical(CanonicalForm::decomposed, form, decomposed);
+  return decomposed;
 }
 
 void TextComparator::Close::operator()(UCollator* collator) const { ucol_close(collator); }
@@ -106,12 +100,18 @@ TextComparator::~TextComparator() = default;
 
 std::weak_ordering TextComparator::compare(std::u16string_view a, std::u16string_view b) const {
   if (comparison_ == TextComparison::sortPlain) return a <=> b;
-  const std::weak_ordering order = collator_
-                                       ? ucol_strcoll(collator_.get(), icuUnits(a), icuLength(a),
-                                                      icuUnits(b), icuLength(b)) <=> 0
-                                       : compareFolded(a, b);
+  const std::weak_ordering order = collator_ ? compareByRules(a, b) : compareFolded(a, b);
   if (order != 0 || comparison_ == TextComparison::sortLocalized) return order;
   return a <=> b;
+}
+
+std::weak_ordering TextComparator::compareByRules(std::u16string_view a,
+                                                  std::u16string_view b) const {
+  std::u16string roomOfA;
+  std::u16string roomOfB;
+  a = withOrderedMarks(a, roomOfA);
+  b = withOrderedMarks(b, roomOfB);
+  return ucol_strcoll(collator_.get(), icuUnits(a), icuLength(a), icuUnits(b), icuLength(b)) <=> 0;
 }
 
 }  // namespace skerrow::foundation

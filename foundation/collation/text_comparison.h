@@ -54,6 +54,9 @@ class TextComparator {
     void operator()(UCollator* collator) const;
   };
 
+  [[nodiscard]] std::weak_ordering compareByRules(std::u16string_view a,
+                                                  std::u16string_view b) const;
+
   TextComparison comparison_;
   std::unique_ptr<UCollator, Close> collator_;
 };

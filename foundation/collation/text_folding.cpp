@@ -6,36 +6,16 @@
 #include <algorithm>
 #include <new>
 
+#include "foundation/text/canonical_form.h"
 #include "foundation/text/character_sets.h"
 #include "foundation/text/code_points.h"
 #include "foundation/text/icu_text.h"
 
 namespace skerrow::foundation {
 
-namespace {
-
-void decompose(const UNormalizer2* normalizer, std::u16string_view text, std::u16string& into) {
-  convertInto(into, text.size(), [&](char16_t* units, std::int32_t room, UErrorCode* status) {
-    return unorm2_normalize(normalizer, icuUnits(text), icuLength(text), units, room, status);
-  });
-}
-
-void removeDiacritics(std::u16string& text) {
-  std::u16string kept;
-  for (std::size_t i = 0; i < text.size();) {
-    const CodePoint point = codePointAt(text, i);
-    if (!isDiacritic(point.value)) kept.append(text, i, point.unitCount);
-    i += point.unitCount;
-  }
-  text.swap(kept);
-}
-
-}  // namespace
-
 TextFolding::TextFolding(FoldingOptions options) : options_(options) {
   UErrorCode status = U_ZERO_ERROR;
   composition_ = unorm2_getNFCInstance(&status);
-  decomposition_ = unorm2_getNFDInstance(&status);
   if (U_FAILURE(status)) throw std::bad_alloc();
 }
 
@@ -61,17 +41,21 @@ TextFolding::Character TextFolding::nextOther(std::u16string_view text, std::siz
   return {character.size(), {known.units.data(), known.count}};
 }
 
-// The canonical caseless match of the Unicode Standard, section 3.13 (D145).
+// The canonical caseless match of the Unicode Standard, section 3.13 (D145). The Turkic
+// rules fold a capital with a dot, which must not come apart before.
 const std::u16string& TextFolding::folded(std::u16string_view character) {
-  decompose(decomposition_, character, folded_);
-  if (options_.diacriticInsensitive) removeDiacritics(folded_);
+  const bool isTurkic = options_.caseInsensitive && options_.caseRules == CaseRules::turkic;
+  const auto form = isTurkic ? CanonicalForm::composed : CanonicalForm::decomposed;
+  makeCanonical(form, character, folded_);
+  if (options_.diacriticInsensitive && !isTurkic) removeDiacritics(folded_);
   if (!options_.caseInsensitive) return folded_;
-  convertInto(intermediate_, folded_.size(),
-              [&](char16_t* units, std::int32_t room, UErrorCode* status) {
-                return u_strFoldCase(units, room, folded_.data(), icuLength(folded_),
-                                     U_FOLD_CASE_DEFAULT, status);
-              });
-  decompose(decomposition_, intermediate_, folded_);
+  const std::uint32_t rules = isTurkic ? U_FOLD_CASE_EXCLUDE_SPECIAL_I : U_FOLD_CASE_DEFAULT;
+  convertInto(
+      intermediate_, folded_.size(), [&](char16_t* units, std::int32_t room, UErrorCode* status) {
+        return u_strFoldCase(units, room, folded_.data(), icuLength(folded_), rules, status);
+      });
+  makeCanonical(CanonicalForm::decomposed, intermediate_, folded_);
+  if (options_.diacriticInsensitive && isTurkic) removeDiacritics(folded_);
   return folded_;
 }
 

@@ -2,8 +2,8 @@
 // TextFolding: a text as a search compares it, character by character. A character
 // here is what canonical composition keeps together: a base with its combining
 // marks, or the letters of a Hangul syllable. Canonically equivalent characters
-// fold to the same units. Folding is Unicode's full case folding (without the
-// Turkic rules) and leaves out nonspacing marks where diacritics do not matter.
+// fold to the same units. Folding is Unicode's full case folding and leaves out
+// nonspacing marks where diacritics do not matter.
 
 #include <array>
 #include <cstddef>
@@ -11,13 +11,19 @@
 #include <string>
 #include <string_view>
 
+#include "foundation/text/code_points.h"
+
 struct UNormalizer2;
 
 namespace skerrow::foundation {
 
+/// Turkic languages have an i with and one without a dot, in either case.
+enum class CaseRules : std::uint8_t { common, turkic };
+
 struct FoldingOptions {
   bool caseInsensitive = false;
   bool diacriticInsensitive = false;
+  CaseRules caseRules = CaseRules::common;
 
   friend bool operator==(FoldingOptions, FoldingOptions) = default;
 };
@@ -36,10 +42,9 @@ class TextFolding {
   Character next(std::u16string_view text, std::size_t position) {
     const char16_t unit = text[position];
     const bool isAlone = position + 1 == text.size() || text[position + 1] < kFirstMark;
-    if (unit >= 0x80 || !isAlone) return nextOther(text, position);
-    single_ = options_.caseInsensitive && unit >= u'A' && unit <= u'Z'
-                  ? static_cast<char16_t>(unit + 32)
-                  : unit;
+    const bool isOther = unit >= 0x80 || options_.caseRules == CaseRules::turkic;
+    if (isOther || !isAlone) return nextOther(text, position);
+    single_ = options_.caseInsensitive ? lowercaseAscii(unit) : unit;
     return {1, {&single_, 1}};
   }
 
@@ -61,7 +66,6 @@ class TextFolding {
 
   FoldingOptions options_;
   const UNormalizer2* composition_;
-  const UNormalizer2* decomposition_;
   std::array<Known, kKnownCount> known_{};
   char16_t single_ = 0;
   std::u16string folded_;

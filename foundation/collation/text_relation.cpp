@@ -1,11 +1,8 @@
 #include "foundation/collation/text_relation.h"
 
-#include <unicode/uchar.h>
 #include <unicode/ucol.h>
 #include <unicode/uloc.h>
-#include <unicode/unorm2.h>
 #include <unicode/ustring.h>
-#include <unicode/utf16.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -13,51 +10,14 @@
 #include <stdexcept>
 #include <vector>
 
+#include "foundation/text/canonical_form.h"
+#include "foundation/text/character_sets.h"
+#include "foundation/text/code_points.h"
 #include "foundation/text/icu_text.h"
 
 namespace skerrow::foundation {
 
-static_assert(U_FOLD_CASE_DEFAULT == 0);
-
 namespace {
-
-bool isAscii(std::u16string_view text) {
-  return std::ranges::all_of(text, [](char16_t unit) { return unit < 0x80; });
-}
-
-// A virama joins consonants and a mark of class 0 is a vowel or a sign of its own:
-// leaving them out would leave out what is read.
-bool isDiacritic(char32_t character) {
-  constexpr std::uint8_t kVirama = 9;
-  const auto point = static_cast<UChar32>(character);
-  const std::uint8_t combiningClass = u_getCombiningClass(point);
-  return combiningClass != 0 && combiningClass != kVirama &&
-         u_charType(point) == U_NON_SPACING_MARK;
-}
-
-void removeDiacritics(std::u16string& text) {
-  const char16_t* const units = text.data();
-  std::size_t kept = 0;
-  for (std::size_t i = 0; i < text.size();) {
-    const std::size_t begin = i;
-    char32_t character = 0;
-    U16_NEXT(units, i, text.size(), character);
-    if (isDiacritic(character)) continue;
-    for (std::size_t j = begin; j < i; ++j) text[kept++] = text[j];
-  }
-  text.resize(kept);
-}
-
-enum class Form { composed, decomposed };
-
-void normalize(Form form, std::u16string_view text, std::u16string& into) {
-  UErrorCode status = U_ZERO_ERROR;
-  const UNormalizer2* const normalizer =
-      form == Form::composed ? unorm2_getNFCInstance(&status) : unorm2_getNFDInstance(&status);
-  convertInto(into, text.size(), [&](char16_t* units, std::int32_t room, UErrorCode* error) {
-    return unorm2_normalize(normalizer, icuUnits(text), icuLength(text), units, room, error);
-  });
-}
 
 // Where `part` begins in `text`, in time linear in both (Knuth, Morris and Pratt).
 bool containsLinearly(std::u16string_view text, std::u16string_view part) {
@@ -79,12 +39,29 @@ bool containsLinearly(std::u16string_view text, std::u16string_view part) {
 }  // namespace
 
 bool containsText(std::u16string_view text, std::u16string_view part) {
-  if (part.empty()) return true;
+  if (part.empty()) return false;
   // The plain search is quick on what people write and slow on what tests it.
   constexpr std::size_t kLongPart = 64;
   if (part.size() < kLongPart) return text.find(part) != std::u16string_view::npos;
   return part.size() <= text.size() && containsLinearly(text, part);
 }
+
+namespace {
+
+bool standsIn(std::u16string_view text, std::u16string_view part, TextPlace place) {
+  if (part.empty()) return false;
+  if (place == TextPlace::atFront) return text.starts_with(part);
+  if (place == TextPlace::atEnd) return text.ends_with(part);
+  return containsText(text, part);
+}
+
+bool standsIn(std::u16string_view text, const TextSearch& part, TextPlace place) {
+  if (place == TextPlace::atFront) return part.isAtFrontOf(text);
+  if (place == TextPlace::atEnd) return part.isAtEndOf(text);
+  return part.first(text).isFound();
+}
+
+}  // namespace
 
 void TextRelation::Close::operator()(UCollator* collator) const { ucol_close(collator); }
 
@@ -99,7 +76,7 @@ TextRelation::TextRelation(TextOptions options, const std::string& locale) : opt
   UErrorCode status = U_ZERO_ERROR;
   uloc_getLanguage(locale.c_str(), language, sizeof language, &status);
   if (std::strcmp(language, "tr") == 0 || std::strcmp(language, "az") == 0) {
-    foldOptions_ = U_FOLD_CASE_EXCLUDE_SPECIAL_I;
+    caseRules_ = CaseRules::turkic;
   }
   status = U_ZERO_ERROR;
   collator_.reset(ucol_open(locale.c_str(), &status));
@@ -131,51 +108,85 @@ std::weak_ordering TextRelation::order(std::u16string_view a, std::u16string_vie
                                        Workspace& work) const {
   if (isLiteral()) return a <=> b;
   if (collator_) {
+    a = withOrderedMarks(a, work.left);
+    b = withOrderedMarks(b, work.right);
     return ucol_strcoll(collator_.get(), icuUnits(a), icuLength(a), icuUnits(b), icuLength(b)) <=>
            0;
   }
   return folded(a, work.left, work.intermediate) <=> folded(b, work.right, work.intermediate);
 }
 
+// Where each character folds to one unit, parts of characters cannot be found.
+bool TextRelation::foldsUnits(std::u16string_view text) const {
+  return isLiteral() ||
+         (isAsciiOnly(text) && (caseRules_ == CaseRules::common || !options_.caseInsensitive));
+}
+
+FoldingOptions TextRelation::foldingOptions() const {
+  return {options_.caseInsensitive, options_.diacriticInsensitive, caseRules_};
+}
+
+TextRelation::Part TextRelation::part(std::u16string_view text) const {
+  std::u16string room;
+  std::u16string intermediate;
+  const bool foldsUnits = this->foldsUnits(text);
+  return {std::u16string(folded(text, room, intermediate)), foldsUnits,
+          TextSearch(text, foldingOptions())};
+}
+
+bool TextRelation::isPartOf(std::u16string_view text, const Part& part, TextPlace place,
+                            Workspace& work) const {
+  if (!part.foldsUnits || !foldsUnits(text)) return standsIn(text, part.search, place);
+  return standsIn(folded(text, work.left, work.intermediate), part.folded, place);
+}
+
+bool TextRelation::isPartOf(std::u16string_view text, std::u16string_view part, TextPlace place,
+                            Workspace& work) const {
+  if (!foldsUnits(part) || !foldsUnits(text)) {
+    return standsIn(text, TextSearch(part, foldingOptions()), place);
+  }
+  return standsIn(folded(text, work.left, work.intermediate),
+                  folded(part, work.right, work.intermediate), place);
+}
+
 std::u16string_view TextRelation::folded(std::u16string_view text, std::u16string& into,
                                          std::u16string& intermediate) const {
-  if (isLiteral()) return text;
-  if (isAscii(text) && (foldOptions_ == U_FOLD_CASE_DEFAULT || !options_.caseInsensitive)) {
+  if (foldsUnits(text)) {
     if (!options_.caseInsensitive) return text;
     into.resize(text.size());
-    std::ranges::transform(text, into.begin(), [](char16_t unit) {
-      return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 32) : unit;
-    });
+    std::ranges::transform(text, into.begin(), lowercaseAscii);
     return into;
   }
-  // Turkish folds a dotted I, which must not come apart before.
-  const bool isTurkish = foldOptions_ != U_FOLD_CASE_DEFAULT;
-  normalize(isTurkish ? Form::composed : Form::decomposed, text, intermediate);
+  // The Turkic rules fold a capital with a dot, which must not come apart before.
+  const bool isTurkic = options_.caseInsensitive && caseRules_ == CaseRules::turkic;
+  makeCanonical(isTurkic ? CanonicalForm::composed : CanonicalForm::decomposed, text, intermediate);
+  if (options_.diacriticInsensitive && !isTurkic) removeDiacritics(intermediate);
   if (options_.caseInsensitive) {
+    const std::uint32_t rules = isTurkic ? U_FOLD_CASE_EXCLUDE_SPECIAL_I : U_FOLD_CASE_DEFAULT;
     convertInto(into, intermediate.size(),
                 [&](char16_t* units, std::int32_t room, UErrorCode* error) {
                   return u_strFoldCase(units, room, intermediate.data(), icuLength(intermediate),
-                                       foldOptions_, error);
+                                       rules, error);
                 });
     intermediate.swap(into);
   }
-  if (options_.diacriticInsensitive) {
-    normalize(Form::decomposed, intermediate, into);
+  if (options_.diacriticInsensitive && isTurkic) {
+    makeCanonical(CanonicalForm::decomposed, intermediate, into);
     removeDiacritics(into);
     intermediate.swap(into);
   }
-  // Composed again, so that a letter is not found in the same letter with an accent.
-  normalize(Form::composed, intermediate, into);
+  // Composed again, so that a letter with an accent is one character to a pattern.
+  makeCanonical(CanonicalForm::composed, intermediate, into);
   return into;
 }
 
 std::u16string TextRelation::withoutDiacritics(std::u16string_view text) const {
-  if (!options_.diacriticInsensitive || isAscii(text)) return std::u16string(text);
+  if (!options_.diacriticInsensitive || isAsciiOnly(text)) return std::u16string(text);
   std::u16string decomposed;
-  normalize(Form::decomposed, text, decomposed);
+  makeCanonical(CanonicalForm::decomposed, text, decomposed);
   removeDiacritics(decomposed);
   std::u16string composed;
-  normalize(Form::composed, decomposed, composed);
+  makeCanonical(CanonicalForm::composed, decomposed, composed);
   return composed;
 }
 

@@ -4,8 +4,9 @@
 //
 // Without options texts are compared literally, unit by unit. With [c] they are
 // case folded, with [d] nonspacing marks are left out; both take canonically
-// equivalent texts as equal. Whether a text begins with, ends with or holds
-// another is a literal question on their folded forms.
+// equivalent texts as equal. Whether a text begins with, ends with or holds another
+// is asked character by character then, as in a search: "ß" equals "ss" and does not
+// hold "s".
 
 #include <compare>
 #include <cstdint>
@@ -13,12 +14,14 @@
 #include <string>
 #include <string_view>
 
+#include "foundation/collation/text_search.h"
+
 struct UCollator;
 
 namespace skerrow::foundation {
 
-/// Whether `part` occurs in `text`, unit by unit, in time linear in both. Every text
-/// contains the empty one.
+/// Whether `part` occurs in `text`, unit by unit, in time linear in both. The empty text
+/// occurs nowhere.
 bool containsText(std::u16string_view text, std::u16string_view part);
 
 /// The options in brackets behind a predicate's operator.
@@ -31,8 +34,18 @@ struct TextOptions {
   friend bool operator==(const TextOptions&, const TextOptions&) = default;
 };
 
+/// Where a text is looked for in another one.
+enum class TextPlace : std::uint8_t { anywhere, atFront, atEnd };
+
 class TextRelation {
  public:
+  /// What is looked for in texts, made ready once.
+  struct Part {
+    std::u16string folded;
+    bool foldsUnits;  // each by itself
+    TextSearch search;
+  };
+
   /// Room for texts in the making, kept between calls so that they need not allocate.
   struct Workspace {
     std::u16string left;
@@ -48,6 +61,14 @@ class TextRelation {
 
   bool isEqual(std::u16string_view a, std::u16string_view b, Workspace& work) const;
   std::weak_ordering order(std::u16string_view a, std::u16string_view b, Workspace& work) const;
+
+  /// Whether a text has another one as a part. The empty text is a part of none, nor is
+  /// one of which the options leave nothing.
+  bool isPartOf(std::u16string_view text, const Part& part, TextPlace place, Workspace& work) const;
+  bool isPartOf(std::u16string_view text, std::u16string_view part, TextPlace place,
+                Workspace& work) const;
+  [[nodiscard]] Part part(std::u16string_view text) const;
+
   /// The text as it is compared: `text` itself where nothing has to change, else `into`.
   std::u16string_view folded(std::u16string_view text, std::u16string& into,
                              std::u16string& intermediate) const;
@@ -65,8 +86,11 @@ class TextRelation {
     void operator()(UCollator* collator) const;
   };
 
+  [[nodiscard]] bool foldsUnits(std::u16string_view text) const;
+  [[nodiscard]] FoldingOptions foldingOptions() const;
+
   TextOptions options_;
-  std::uint32_t foldOptions_ = 0;
+  CaseRules caseRules_ = CaseRules::common;
   std::unique_ptr<UCollator, Close> collator_;  // with [l] only
 };
 

@@ -4,15 +4,6 @@
 
 namespace skerrow::foundation {
 
-namespace {
-
-bool isInsidePair(std::u16string_view text, std::size_t position) {
-  return position > 0 && position < text.size() && isTrailingSurrogate(text[position]) &&
-         isLeadingSurrogate(text[position - 1]);
-}
-
-}  // namespace
-
 TextSearch::TextSearch(std::u16string_view sought, FoldingOptions options)
     : options_(options),
       sought_(isLiteral() ? std::u16string(sought) : TextFolding(options).fold(sought)),
@@ -34,6 +25,28 @@ UnitRange TextSearch::last(std::u16string_view text) const {
     if (!found.isFound()) return last;
     last = found;
   }
+}
+
+bool TextSearch::isAtFrontOf(std::u16string_view text) const {
+  if (sought_.empty()) return false;
+  if (isLiteral()) return text.starts_with(sought_) && !isInsidePair(text, sought_.size());
+  TextFolding folding(options_);
+  std::u16string_view left = sought_;
+  for (std::size_t position = 0; position < text.size() && !left.empty();) {
+    const TextFolding::Character character = folding.next(text, position);
+    if (!left.starts_with(character.folded)) return false;
+    left.remove_prefix(character.folded.size());
+    position += character.unitCount;
+  }
+  return left.empty();
+}
+
+// Behind the last occurrence there may be what folds to nothing.
+bool TextSearch::isAtEndOf(std::u16string_view text) const {
+  const UnitRange found = last(text);
+  if (!found.isFound()) return false;
+  const std::u16string_view rest = text.substr(found.end());
+  return isLiteral() ? rest.empty() : TextFolding(options_).fold(rest).empty();
 }
 
 std::u16string TextSearch::replacingAll(std::u16string_view text,

@@ -34,6 +34,10 @@ class TextSearch {
   /// The occurrence that begins last (a search backwards), or not found.
   [[nodiscard]] UnitRange last(std::u16string_view text) const;
 
+  /// Whether the text begins, or ends, with what is looked for.
+  [[nodiscard]] bool isAtFrontOf(std::u16string_view text) const;
+  [[nodiscard]] bool isAtEndOf(std::u16string_view text) const;
+
   /// The text with every occurrence replaced, from the front, none overlapping another.
   [[nodiscard]] std::u16string replacingAll(std::u16string_view text,
                                             std::u16string_view replacement) const;

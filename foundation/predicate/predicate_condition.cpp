@@ -25,6 +25,11 @@ bool looksForText(Comparison comparison) {
   }
 }
 
+bool looksForPart(Comparison comparison) {
+  return comparison == Comparison::contains || comparison == Comparison::beginsWith ||
+         comparison == Comparison::endsWith;
+}
+
 }  // namespace
 
 Truth CompoundCondition::evaluate(PredicateEvaluation& evaluation) const {
@@ -50,6 +55,7 @@ ComparisonCondition::ComparisonCondition(Parts parts, const std::string& locale)
     std::u16string into;
     folded_ = relation_.folded(constantRight_->text(), into, intermediate);
     if (parts_.comparison == Comparison::like) pattern_.emplace(folded_);
+    if (looksForPart(parts_.comparison)) part_ = relation_.part(constantRight_->text());
   }
   if (parts_.comparison == Comparison::in && constantRight_->isList() && relation_.isLiteral() &&
       constantRight_->items().size() >= kManyMembers) {
@@ -193,13 +199,16 @@ Truth ComparisonCondition::isIn(const Value& part, const Value& whole,
   if (!part.isText()) return Truth::unknown;
   evaluation.steps().spendOnText(part.text().size() + whole.text().size());
 
-  // The constant is the part in CONTAINS and the whole in IN.
+  return isPartOf(whole, part, TextPlace::anywhere, evaluation);
+}
+
+Truth ComparisonCondition::isPartOf(const Value& whole, const Value& part, TextPlace place,
+                                    PredicateEvaluation& evaluation) const {
   TextRelation::Workspace& work = evaluation.texts();
-  const auto folded = [&](const Value& value, std::u16string& into) -> std::u16string_view {
-    if (&value == constantRight_) return folded_;
-    return relation_.folded(value.text(), into, work.intermediate);
-  };
-  return truthOf(containsText(folded(whole, work.left), folded(part, work.right)));
+  if (part_ && &part == constantRight_) {
+    return truthOf(relation_.isPartOf(whole.text(), *part_, place, work));
+  }
+  return truthOf(relation_.isPartOf(whole.text(), part.text(), place, work));
 }
 
 Truth ComparisonCondition::relateTexts(const Value& left, const Value& right,
@@ -217,18 +226,18 @@ Truth ComparisonCondition::relateTexts(const Value& left, const Value& right,
                                  relation_.withoutDiacritics(right.text()), matchCase,
                                  evaluation.matchWatch()));
   }
+  if (parts_.comparison == Comparison::beginsWith) {
+    return isPartOf(left, right, TextPlace::atFront, evaluation);
+  }
+  if (parts_.comparison == Comparison::endsWith) {
+    return isPartOf(left, right, TextPlace::atEnd, evaluation);
+  }
   TextRelation::Workspace& work = evaluation.texts();
   const std::u16string_view text = relation_.folded(left.text(), work.left, work.intermediate);
-  switch (parts_.comparison) {
-    case Comparison::beginsWith:
-      return truthOf(text.starts_with(foldedRight(right, evaluation)));
-    case Comparison::endsWith:
-      return truthOf(text.ends_with(foldedRight(right, evaluation)));
-    case Comparison::typeEquals:
-      return truthOf(text == foldedRight(right, evaluation));
-    default:
-      return isLike(text, right, evaluation);
+  if (parts_.comparison == Comparison::typeEquals) {
+    return truthOf(text == foldedRight(right, evaluation));
   }
+  return isLike(text, right, evaluation);
 }
 
 Truth ComparisonCondition::isLike(std::u16string_view text, const Value& pattern,

@@ -107,6 +107,8 @@ class ComparisonCondition final : public Condition {
                                              PredicateEvaluation& evaluation) const;
   Truth isBetween(const Value& value, const Value& bounds, PredicateEvaluation& evaluation) const;
   Truth isIn(const Value& part, const Value& whole, PredicateEvaluation& evaluation) const;
+  Truth isPartOf(const Value& whole, const Value& part, TextPlace place,
+                 PredicateEvaluation& evaluation) const;
   Truth relateTexts(const Value& left, const Value& right, PredicateEvaluation& evaluation) const;
   Truth isLike(std::u16string_view text, const Value& pattern,
                PredicateEvaluation& evaluation) const;
@@ -118,6 +120,7 @@ class ComparisonCondition final : public Condition {
   // Prepared where the right side is constant:
   std::u16string folded_;                   // a text, folded
   std::optional<WildcardPattern> pattern_;  // of a LIKE
+  std::optional<TextRelation::Part> part_;  // of what is looked for in other texts
   std::optional<ValueSet> members_;         // of an IN over many values
 };
 

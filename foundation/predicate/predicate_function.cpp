@@ -14,6 +14,7 @@
 #include "foundation/key_path/collection_operator.h"
 #include "foundation/number/number_arithmetic.h"
 #include "foundation/text/case_mapping.h"
+#include "foundation/text/code_points.h"
 
 namespace skerrow::foundation {
 
@@ -207,16 +208,12 @@ constexpr std::array kFunctions = {
     PredicateFunction{u"noindex", 1, 1, itself},
 };
 
-char16_t lowercaseAscii(char16_t unit) {
-  return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 32) : unit;
-}
-
 }  // namespace
 
 const PredicateFunction* PredicateFunction::named(std::u16string_view name) {
   if (std::ranges::count(name, u':') == 1 && name.ends_with(u':')) name.remove_suffix(1);
   const auto found = std::ranges::find_if(kFunctions, [name](const PredicateFunction& function) {
-    return std::ranges::equal(name, function.name, {}, lowercaseAscii, lowercaseAscii);
+    return equalsIgnoringAsciiCase(name, function.name);
   });
   return found == kFunctions.end() ? nullptr : &*found;
 }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "foundation/text/code_points.h"
+
 namespace skerrow::foundation {
 
 namespace {
@@ -51,17 +53,12 @@ constexpr std::array kWords = {
     Entry{u"CI", PredicateKeyword::caseInsensitive},
 };
 
-char16_t uppercaseAscii(char16_t unit) {
-  return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - 32) : unit;
-}
-
 }  // namespace
 
 PredicateKeyword keywordOf(const PredicateToken& token) {
   if (token.kind != PredicateToken::Kind::word) return PredicateKeyword::none;
-  const auto* const found = std::ranges::find_if(kWords, [&](const Entry& entry) {
-    return std::ranges::equal(token.text, entry.word, {}, uppercaseAscii);
-  });
+  const auto* const found = std::ranges::find_if(
+      kWords, [&](const Entry& entry) { return equalsIgnoringAsciiCase(token.text, entry.word); });
   return found == kWords.end() ? PredicateKeyword::none : found->keyword;
 }
 

@@ -12,6 +12,7 @@
 
 #include "foundation/number/decimal.h"
 #include "foundation/predicate/predicate_error.h"
+#include "foundation/text/code_points.h"
 #include "foundation/text/text_encoding.h"
 
 namespace skerrow::foundation {
@@ -50,12 +51,6 @@ bool startsWord(char32_t character) {
 bool continuesWord(char32_t character) {
   const auto point = static_cast<UChar32>(character);
   return startsWord(character) || (u_isIDPart(point) != 0 && u_isIDIgnorable(point) == 0);
-}
-
-bool equalsIgnoringAsciiCase(std::u16string_view text, std::u16string_view uppercase) {
-  return std::ranges::equal(text, uppercase, [](char16_t unit, char16_t upper) {
-    return (unit >= u'a' && unit <= u'z' ? unit - 32 : unit) == upper;
-  });
 }
 
 }  // namespace

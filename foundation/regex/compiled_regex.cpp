@@ -8,6 +8,8 @@
 #include <array>
 #include <iterator>
 
+#include "foundation/text/code_points.h"
+
 namespace skerrow::foundation {
 
 namespace {
@@ -48,11 +50,6 @@ UBool continueSearch(const void* context, std::int64_t /*position*/) {
 // never met: the walk leaves the text. Two things lead there: a range that begins
 // inside a pair, and a run of literals in a pattern that ends with the first half
 // of one, since runs are compared by units.
-
-bool isInsidePair(std::u16string_view text, std::size_t position) {
-  return position > 0 && position < text.size() && U16_IS_LEAD(text[position - 1]) &&
-         U16_IS_TRAIL(text[position]);
-}
 
 bool isHexDigitOfLead(char16_t unit) {
   return std::u16string_view(u"89abAB").find(unit) != std::u16string_view::npos;

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#include "foundation/text/code_points.h"
+
 namespace skerrow::foundation {
 
 bool isWhiteSpace(char16_t unit) noexcept {
@@ -27,6 +29,18 @@ bool isDiacritic(char32_t character) noexcept {
   const std::uint8_t combiningClass = u_getCombiningClass(codePoint);
   return combiningClass != 0 && combiningClass != kVirama &&
          u_charType(codePoint) == U_NON_SPACING_MARK;
+}
+
+void removeDiacritics(std::u16string& text) {
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i < text.size();) {
+    const CodePoint point = codePointAt(text, i);
+    if (!isDiacritic(point.value)) {
+      for (std::size_t j = i; j < i + point.unitCount; ++j) text[kept++] = text[j];
+    }
+    i += point.unitCount;
+  }
+  text.resize(kept);
 }
 
 UnitRange trimmedRange(std::u16string_view text) noexcept {

@@ -4,6 +4,7 @@
 // the basic plane but the decimal digits.
 
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "foundation/text/unit_range.h"
@@ -29,6 +30,9 @@ std::optional<int> decimalDigit(char32_t character) noexcept;
 /// A combining mark that is no part of what is read: a nonspacing mark that has a
 /// combining class and is no virama.
 bool isDiacritic(char32_t character) noexcept;
+
+/// Leaves the diacritics out of a decomposed text, in place.
+void removeDiacritics(std::u16string& text);
 
 /// What stays of a text without white space and newlines at both ends; an empty
 /// range at the end of a text of nothing else.

@@ -18,6 +18,12 @@ struct CodePoint {
 constexpr bool isLeadingSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
 constexpr bool isTrailingSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xDC00; }
 
+/// Whether a place in a text is between the two halves of a surrogate pair.
+constexpr bool isInsidePair(std::u16string_view text, std::size_t position) {
+  return position > 0 && position < text.size() && isTrailingSurrogate(text[position]) &&
+         isLeadingSurrogate(text[position - 1]);
+}
+
 /// The code point that begins at a unit, which must lie inside the text.
 constexpr CodePoint codePointAt(std::u16string_view text, std::size_t position) {
   const char16_t unit = text[position];
@@ -43,6 +49,26 @@ constexpr std::size_t encodeUtf16(char32_t codePoint, char16_t* units) {
 constexpr void appendCodePoint(std::u16string& text, char32_t codePoint) {
   char16_t units[2] = {};
   text.append(units, encodeUtf16(codePoint, units));
+}
+
+/// The small letter of an ASCII capital; any other unit as it is.
+constexpr char16_t lowercaseAscii(char16_t unit) {
+  return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 32) : unit;
+}
+
+constexpr bool isAsciiOnly(std::u16string_view text) {
+  for (const char16_t unit : text) {
+    if (unit >= 0x80) return false;
+  }
+  return true;
+}
+
+constexpr bool equalsIgnoringAsciiCase(std::u16string_view a, std::u16string_view b) {
+  if (a.size() != b.size()) return false;
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    if (lowercaseAscii(a[i]) != lowercaseAscii(b[i])) return false;
+  }
+  return true;
 }
 
 /// The value of a hexadecimal digit, or nothing.

@@ -112,6 +112,35 @@ TEST(TextSearch, FindsTheFirstAndTheLast) {
   }
 }
 
+TEST(TextSearch, TellsWhatATextBeginsAndEndsWith) {
+  const struct {
+    FoldingOptions options;
+    std::u16string_view sought;
+    std::u16string_view text;
+    bool begins;
+    bool ends;
+  } cases[] = {
+      {kLiteral, u"ab", u"abcab", true, true},
+      {kLiteral, u"ab", u"Abcab", false, true},
+      {kLiteral, u"", u"ab", false, false},
+      {kLiteral, u"ab", u"", false, false},
+      {kLiteral, u"\xD83D", u"😀", false, false},
+      {kNoCase, u"ss", u"ßxß", true, true},
+      {kNoCase, u"s", u"ßxß", false, false},
+      {kNoCase, u"aa", u"AAA", true, true},
+      {kNoCase, u"e", u"éxé", false, false},
+      {kNoMarks, u"e", u"éxé", true, true},
+      {kNoMarks, u"e", u"\u0301e\u0301", true, true},
+      {kNoMarks, u"\u0301", u"\u0301", false, false},
+      {kNeither, u"abc", u"ab", false, false},
+  };
+  for (const auto& row : cases) {
+    const TextSearch search(row.sought, row.options);
+    EXPECT_EQ(search.isAtFrontOf(row.text), row.begins) << utf8FromUtf16(row.text);
+    EXPECT_EQ(search.isAtEndOf(row.text), row.ends) << utf8FromUtf16(row.text);
+  }
+}
+
 TEST(TextSearch, ReplacesEveryOccurrence) {
   const auto replaced = [](std::u16string_view text, std::u16string_view sought,
                            std::u16string_view replacement) {
@@ -186,6 +215,15 @@ TEST(TextSearch, TakesTimeLinearInTheTextHoweverItRepeats) {
   const std::u16string sought = std::u16string(200'000, u'a') + u"b";
   for (const FoldingOptions options : {kLiteral, kNeither}) {
     EXPECT_FALSE(TextSearch(sought, options).first(text).isFound());
+  }
+}
+
+TEST(TextSearch, TakesTimeLinearInTheMarksOfACharacter) {
+  std::u16string text = u"a";
+  for (int i = 0; i < 400'000; ++i) text += u"\u0301\u0323";  // never in order
+  for (const FoldingOptions options : {kNoCase, kNoMarks, kNeither}) {
+    EXPECT_EQ(TextSearch(text, options).first(text), (UnitRange{0, text.size()}));
+    EXPECT_FALSE(TextSearch(u"b", options).first(text).isFound());
   }
 }
 

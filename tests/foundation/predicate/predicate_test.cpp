@@ -96,7 +96,7 @@ TEST(Predicate, ComparesTexts) {
       {u"name BEGINSWITH 'ad'", false},
       {u"name BEGINSWITH[c] 'ad'", true},
       {u"name BEGINSWITH[cd] 'ade'", true},
-      {u"name BEGINSWITH ''", true},
+      {u"name BEGINSWITH ''", false},
       {u"name BEGINSWITH 'Adélaïdes'", false},
       {u"name beginswith[c] 'AD'", true},
       {u"name ENDSWITH 'de'", true},
@@ -106,12 +106,51 @@ TEST(Predicate, ComparesTexts) {
       {u"name CONTAINS 'lai'", false},
       {u"name CONTAINS[d] 'lai'", true},
       {u"name CONTAINS[cd] 'LAI'", true},
-      {u"name CONTAINS ''", true},
+      {u"name CONTAINS ''", false},
+      {u"name ENDSWITH ''", false},
+      {u"'' BEGINSWITH ''", false},
+      {u"'' CONTAINS[cd] ''", false},
+      {u"'' IN 'abc'", false},
+      {u"'' IN {'', 'a'}", true},
+      {u"NOT name CONTAINS ''", true},
       {u"'laï' IN name", true},
       {u"'LAI' IN[cd] name", true},
       {u"'x' IN name", false},
       {u"'com.Example' UTI-EQUALS 'COM.example'", true},
       {u"'com.Example' uti-equals 'com.other'", false},
+  };
+  check(rows, person());
+}
+
+TEST(Predicate, FindsWholeCharactersOnly) {
+  const Row rows[] = {
+      // What ignoring marks leaves nothing of is found nowhere either.
+      {u"'e\u0301' CONTAINS[d] '\u0301'", false},
+      {u"'\u0301' BEGINSWITH[d] '\u0301'", false},
+      {u"'\u0301' ENDSWITH[cd] '\u0301'", false},
+      // Nor is a part of a character that folds to several.
+      {u"'İ' CONTAINS[c] 'i'", false},
+      {u"'İ' BEGINSWITH[c] 'i'", false},
+      {u"'İ' ENDSWITH[c] '\u0307'", false},
+      {u"'İ' CONTAINS[cd] 'i'", true},
+      {u"'straße' CONTAINS[c] 'ss'", true},
+      {u"'straße' CONTAINS[c] 'S'", true},
+      {u"'ß' CONTAINS[c] 's'", false},
+      {u"'ß' BEGINSWITH[c] 's'", false},
+      {u"'ß' ENDSWITH[c] 's'", false},
+      {u"'ß' BEGINSWITH[c] 'SS'", true},
+      {u"'ß' ENDSWITH[c] 'SS'", true},
+      {u"'xß' BEGINSWITH[c] 'XS'", false},
+      {u"'sss' CONTAINS[c] 'ß'", true},
+      {u"'ﬁn' BEGINSWITH[c] 'f'", false},
+      {u"'ﬁn' BEGINSWITH[c] 'FI'", true},
+      {u"'s' IN[c] 'ß'", false},
+      {u"'x\u0302' BEGINSWITH[c] 'x'", false},
+      {u"'x\u0302' BEGINSWITH[cd] 'X'", true},
+      {u"'\u0301ab\u0301' BEGINSWITH[d] 'ab'", true},
+      {u"'ab\u0301' ENDSWITH[d] 'b'", true},
+      {u"'\u212A' CONTAINS[c] 'k'", true},
+      {u"'k' CONTAINS[c] '\u212A'", true},
   };
   check(rows, person());
 }
