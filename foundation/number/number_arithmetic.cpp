@@ -1,5 +1,6 @@
 #include "foundation/number/number_arithmetic.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -43,10 +44,9 @@ Number calculateReals(ArithmeticOperator operation, double a, double b) {
     case ArithmeticOperator::modulus:
       if (b == 0) throw DivisionByZero();
       return Number::real(std::fmod(a, b));
-    case ArithmeticOperator::power:
-      break;
+    default:
+      return Number::real(std::pow(a, b));
   }
-  return Number::real(std::pow(a, b));
 }
 
 Number calculateIntegers(ArithmeticOperator operation, Number a, Number b) {
@@ -66,10 +66,38 @@ Number calculateIntegers(ArithmeticOperator operation, Number a, Number b) {
     case ArithmeticOperator::modulus:
       if (wide(b) == 0) throw DivisionByZero();
       return narrowed(wide(a) % wide(b));
-    case ArithmeticOperator::power:
+    default:
       return wholeNumber(std::pow(a.asReal(), b.asReal()));
   }
   return calculateReals(operation, a.asReal(), b.asReal());
+}
+
+std::int64_t shiftedLeft(std::int64_t bits, std::int64_t by);
+
+std::int64_t shiftedRight(std::int64_t bits, std::int64_t by) {
+  if (by < 0) return by == INT64_MIN ? 0 : shiftedLeft(bits, -by);
+  return bits >> std::min<std::int64_t>(by, 63);
+}
+
+std::int64_t shiftedLeft(std::int64_t bits, std::int64_t by) {
+  if (by < 0) return shiftedRight(bits, by == INT64_MIN ? 63 : -by);
+  if (by > 63) return 0;
+  return static_cast<std::int64_t>(static_cast<std::uint64_t>(bits) << by);
+}
+
+std::int64_t calculateBits(ArithmeticOperator operation, std::int64_t a, std::int64_t b) {
+  switch (operation) {
+    case ArithmeticOperator::bitwiseAnd:
+      return a & b;
+    case ArithmeticOperator::bitwiseOr:
+      return a | b;
+    case ArithmeticOperator::bitwiseXor:
+      return a ^ b;
+    case ArithmeticOperator::shiftLeft:
+      return shiftedLeft(a, b);
+    default:
+      return shiftedRight(a, b);
+  }
 }
 
 std::partial_ordering compareIntegerWithReal(Wide integer, double real) noexcept {
@@ -87,6 +115,9 @@ std::partial_ordering compareIntegerWithReal(Wide integer, double real) noexcept
 DivisionByZero::DivisionByZero() : std::domain_error("a number is divided by zero") {}
 
 Number calculate(ArithmeticOperator operation, Number a, Number b) {
+  if (operation >= ArithmeticOperator::bitwiseAnd) {
+    return Number::signed64(calculateBits(operation, a.asInteger(), b.asInteger()));
+  }
   if (a.isReal() || b.isReal()) return calculateReals(operation, a.asReal(), b.asReal());
   return calculateIntegers(operation, a, b);
 }

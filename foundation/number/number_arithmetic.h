@@ -11,7 +11,19 @@
 
 namespace skerrow::foundation {
 
-enum class ArithmeticOperator : std::uint8_t { add, subtract, multiply, divide, modulus, power };
+enum class ArithmeticOperator : std::uint8_t {
+  add,
+  subtract,
+  multiply,
+  divide,
+  modulus,
+  power,
+  bitwiseAnd,
+  bitwiseOr,
+  bitwiseXor,
+  shiftLeft,
+  shiftRight,
+};
 
 /// Thrown by a division or modulus whose divisor is zero, of integers and of reals.
 class DivisionByZero : public std::domain_error {
@@ -21,7 +33,9 @@ class DivisionByZero : public std::domain_error {
 
 /// The quotient of two integers is an integer without its fraction, as the
 /// platform's expressions have it: 1 / 2 is 0 and 1.0 / 2 is 0.5. A modulus takes
-/// the sign of the dividend. Throws DivisionByZero.
+/// the sign of the dividend. Bits are those of signed integers of 64 bits, without the
+/// fractions of reals; a shift by less than nothing goes the other way. Throws
+/// DivisionByZero.
 Number calculate(ArithmeticOperator operation, Number a, Number b);
 
 /// The number with the other sign.

@@ -108,31 +108,6 @@ Result arithmetic(Arguments arguments, PredicateEvaluation&) {
   return Value(calculate(operation, arguments[0].number(), arguments[1].number()));
 }
 
-template <auto function>
-Result ofBits(Arguments arguments, PredicateEvaluation&) {
-  if (arguments[0].isNull() || arguments[1].isNull()) return Value();
-  if (!arguments[0].isNumber() || !arguments[1].isNumber()) return std::nullopt;
-  return Value(Number::signed64(
-      function(arguments[0].number().asInteger(), arguments[1].number().asInteger())));
-}
-
-std::int64_t bitwiseAnd(std::int64_t a, std::int64_t b) { return a & b; }
-std::int64_t bitwiseOr(std::int64_t a, std::int64_t b) { return a | b; }
-std::int64_t bitwiseXor(std::int64_t a, std::int64_t b) { return a ^ b; }
-
-std::int64_t shiftLeft(std::int64_t bits, std::int64_t by);
-
-std::int64_t shiftRight(std::int64_t bits, std::int64_t by) {
-  if (by < 0) return by == INT64_MIN ? 0 : shiftLeft(bits, -by);
-  return bits >> std::min<std::int64_t>(by, 63);
-}
-
-std::int64_t shiftLeft(std::int64_t bits, std::int64_t by) {
-  if (by < 0) return shiftRight(bits, by == INT64_MIN ? 63 : -by);
-  if (by > 63) return 0;
-  return static_cast<std::int64_t>(static_cast<std::uint64_t>(bits) << by);
-}
-
 template <auto conversion>
 Result inCase(Arguments arguments, PredicateEvaluation&) {
   const Value& argument = arguments.front();
@@ -193,11 +168,11 @@ constexpr std::array kFunctions = {
     PredicateFunction{u"ceiling", 1, 1, ofNumber<whole<std::ceil>>},
     PredicateFunction{u"trunc", 1, 1, ofNumber<whole<std::trunc>>},
     PredicateFunction{u"abs", 1, 1, ofNumber<absolute>},
-    PredicateFunction{u"bitwiseAnd:with:", 2, 2, ofBits<bitwiseAnd>},
-    PredicateFunction{u"bitwiseOr:with:", 2, 2, ofBits<bitwiseOr>},
-    PredicateFunction{u"bitwiseXor:with:", 2, 2, ofBits<bitwiseXor>},
-    PredicateFunction{u"leftshift:by:", 2, 2, ofBits<shiftLeft>},
-    PredicateFunction{u"rightshift:by:", 2, 2, ofBits<shiftRight>},
+    PredicateFunction{u"bitwiseAnd:with:", 2, 2, arithmetic<ArithmeticOperator::bitwiseAnd>},
+    PredicateFunction{u"bitwiseOr:with:", 2, 2, arithmetic<ArithmeticOperator::bitwiseOr>},
+    PredicateFunction{u"bitwiseXor:with:", 2, 2, arithmetic<ArithmeticOperator::bitwiseXor>},
+    PredicateFunction{u"leftshift:by:", 2, 2, arithmetic<ArithmeticOperator::shiftLeft>},
+    PredicateFunction{u"rightshift:by:", 2, 2, arithmetic<ArithmeticOperator::shiftRight>},
     PredicateFunction{u"onesComplement", 1, 1, ofNumber<complement>},
     PredicateFunction{u"uppercase", 1, 1, inCase<uppercased>},
     PredicateFunction{u"lowercase", 1, 1, inCase<lowercased>},

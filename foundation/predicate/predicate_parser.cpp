@@ -98,6 +98,11 @@ PredicateParser::Infix PredicateParser::infixOfSymbol(std::u16string_view symbol
   if (symbol == u"<=" || symbol == u"=<") return comparing(Comparison::lessOrEqual);
   if (symbol == u">") return comparing(Comparison::greater);
   if (symbol == u">=" || symbol == u"=>") return comparing(Comparison::greaterOrEqual);
+  if (symbol == u"|") return calculating(kBitwiseOr, ArithmeticOperator::bitwiseOr);
+  if (symbol == u"^") return calculating(kBitwiseXor, ArithmeticOperator::bitwiseXor);
+  if (symbol == u"&") return calculating(kBitwiseAnd, ArithmeticOperator::bitwiseAnd);
+  if (symbol == u"<<") return calculating(kShift, ArithmeticOperator::shiftLeft);
+  if (symbol == u">>") return calculating(kShift, ArithmeticOperator::shiftRight);
   if (symbol == u"+") return calculating(kSum, ArithmeticOperator::add);
   if (symbol == u"-") return calculating(kSum, ArithmeticOperator::subtract);
   if (symbol == u"*") return calculating(kProduct, ArithmeticOperator::multiply);
@@ -201,7 +206,7 @@ PredicateParser::Operand PredicateParser::parsePrefix() {
 PredicateParser::Operand PredicateParser::parseQuantified(Quantifier quantifier) {
   const std::size_t place = token_.begin;
   advance();
-  Operand left = parseOperand(kSum);
+  Operand left = parseOperand(kCalculation);
   const Infix next = infix();
   if (next.precedence != kComparison) fail(token_.begin, "a comparison is missing");
   Operand compared = parseCompared(std::move(left), next.comparison, quantifier);
@@ -235,7 +240,7 @@ PredicateParser::Operand PredicateParser::parseCompared(Operand left, Comparison
   parts.left = takeExpression(std::move(left));
   advance();
   if (token_.isSymbol(u"[")) parts.options = parseOptions();
-  Operand right = parseOperand(kSum);
+  Operand right = parseOperand(kCalculation);
   const std::size_t rightPlace = right.place;
   height = std::max(height, right.height);
   parts.right = takeExpression(std::move(right));

@@ -43,7 +43,23 @@ class PredicateParser {
   using Keyword = PredicateKeyword;
   using TokenKind = PredicateToken::Kind;
 
-  enum Precedence : int { kNone, kOr, kAnd, kComparison, kSum, kProduct, kSign, kPower };
+  // Loosest first. Those of calculations stand in the order of the C family of languages,
+  // but bits bind more tightly than comparisons, which give no value here.
+  enum Precedence : int {
+    kNone,
+    kOr,
+    kAnd,
+    kComparison,
+    kBitwiseOr,
+    kBitwiseXor,
+    kBitwiseAnd,
+    kShift,
+    kSum,
+    kProduct,
+    kSign,
+    kPower,
+    kCalculation = kBitwiseOr,  // any of them
+  };
 
   // What has been read: an expression or a condition, where it begins and how deep it is.
   struct Operand {

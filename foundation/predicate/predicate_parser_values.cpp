@@ -193,7 +193,7 @@ void PredicateParser::parseVariable(Postfix& value) {
   advance();
   ExpressionPointer assigned;
   if (takeSymbol(u":=")) {
-    Operand operand = parseOperand(kSum);
+    Operand operand = parseOperand(kCalculation);
     value.height = operand.height;
     assigned = takeExpression(std::move(operand));
   }

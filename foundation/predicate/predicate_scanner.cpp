@@ -4,7 +4,6 @@
 #include <unicode/utf16.h>
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -247,17 +246,17 @@ void PredicateScanner::readPlaceholder(PredicateToken& token) {
 
 void PredicateScanner::readSymbol(PredicateToken& token) {
   token.kind = Kind::symbol;
-  static constexpr std::array<std::u16string_view, 26> kSymbols = {
-      u"**", u"==", u"=<", u"=>", u"!=", u"<>", u"<=", u">=", u"&&", u"||", u":=", u"=", u"<",
-      u">",  u"!",  u"(",  u")",  u"{",  u"}",  u"[",  u"]",  u",",  u".",  u":",  u"+", u"-"};
+  static constexpr std::u16string_view kPairs[] = {u"**", u"==", u"=<", u"=>", u"!=", u"<>", u"<=",
+                                                   u">=", u"&&", u"||", u":=", u"<<", u">>"};
+  static constexpr std::u16string_view kSingle = u"=<>!(){}[],.:+-*/&|^";
   const std::u16string_view rest = format_.substr(place_);
-  for (const std::u16string_view symbol : kSymbols) {
+  for (const std::u16string_view symbol : kPairs) {
     if (!rest.starts_with(symbol)) continue;
     token.text = symbol;
     place_ += symbol.size();
     return;
   }
-  if (rest.front() != u'*' && rest.front() != u'/') {
+  if (kSingle.find(rest.front()) == std::u16string_view::npos) {
     fail(place_, "this character has no meaning in predicates");
   }
   token.text = rest.front();

@@ -55,6 +55,14 @@ TEST(NumberArithmetic, KeepsIntegersExact) {
       {power, integer(2), integer(63), Number::unsigned64(9223372036854775808ULL)},
       {power, integer(2), integer(64), real(18446744073709551616.0)},
       {power, real(2.0), integer(2), real(4)},
+      {bitwiseAnd, integer(12), integer(10), integer(8)},
+      {bitwiseOr, integer(12), integer(10), integer(14)},
+      {bitwiseXor, integer(12), integer(10), integer(6)},
+      {shiftLeft, integer(3), integer(62), integer(INT64_MIN | (std::int64_t{1} << 62))},
+      {shiftLeft, integer(1), least, integer(0)},
+      {shiftRight, least, integer(63), integer(-1)},
+      {shiftRight, integer(1), least, integer(0)},
+      {shiftRight, real(5.5), real(1.5), integer(2)},
   };
   for (const CalculationCase& row : cases) {
     const Number result = calculate(row.operation, row.a, row.b);

@@ -51,6 +51,31 @@ TEST(Predicate, Calculates) {
       {u"modulus:by:(-9223372036854775808, -1) = 0", true},
       {u"member + 1 = 2", true},
       {u"age = 30 + 4 AND 30 + 4 = age", true},
+      {u"12 & 10 = 8", true},
+      {u"12 | 10 = 14", true},
+      {u"12 ^ 10 = 6", true},
+      {u"1 << 4 = 16", true},
+      {u"-16 >> 2 = -4", true},
+      {u"1 << 63 = -9223372036854775808", true},
+      {u"1 << 64 = 0", true},
+      {u"16 << -4 = 1", true},
+      {u"1 >> 400 = 0", true},
+      {u"-1 >> 400 = -1", true},
+      {u"7.9 & 3.9 = 3", true},
+      {u"age&2=2", true},
+      {u"2 = age & 2 AND age & 1 = 0", true},
+      {u"age & 2 = 2 || age | 1 = 0", true},
+      {u"1 | 6 ^ 2 & 3 = 5", true},    // 1 | (6 ^ (2 & 3))
+      {u"1 + 1 << 2 * 2 = 32", true},  // (1 + 1) << (2 * 2)
+      {u"256 >> 4 >> 2 = 4", true},
+      {u"(1 << 2) << 1 = 1 << 3", true},
+      {u"3 & -2 = 2", true},
+      {u"ANY {1, 2, 4} & 4 = 4", false},  // of a list there are no bits
+      {u"4 IN {1 << 2, 1 << 3}", true},
+      {u"absent & 1 = nil", true},
+      {u"nil << 1 = nil", true},
+      {u"name & 1 = 0", false},
+      {u"NOT name | 1 = 0", false},
   };
   check(rows, person());
 }
