@@ -9,6 +9,8 @@
 
 #include "foundation/predicate/predicate.h"
 #include "foundation/text/text_encoding.h"
+#include "platform/clock.h"
+#include "platform/system_platform.h"
 #include "values/record.h"
 #include "values/value.h"
 
@@ -48,12 +50,16 @@ std::vector<Value> everyKind() {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
+  static const skerrow::platform::SystemPlatform system;
+  static const skerrow::platform::SystemClock clock;
   static const std::vector<Value> items = everyKind();
   static const Record variables{{u"x", u"a"}, {u"y", items.back()}};
   const std::u16string format =
       skerrow::foundation::utf16FromUtf8Replacing({reinterpret_cast<const char*>(bytes), size});
   try {
-    const Predicate predicate = Predicate::parse(format, items);
+    const Predicate predicate = Predicate::parse(
+        format, items,
+        {.environment = &system.environment, .clock = &clock, .chance = &system.chance});
     for (const Value& item : items) {
       try {
         if (predicate.evaluate(item, variables) != Predicate(predicate).evaluate(item, variables) &&

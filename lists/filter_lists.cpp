@@ -29,6 +29,7 @@ using core::ErrorEntry;
 using core::ScriptError;
 using foundation::Predicate;
 using foundation::PredicateError;
+using foundation::PredicateSurroundings;
 using Items = std::vector<Value>;
 
 constexpr ErrorEntry kNotAList = {1167, "Direct parameter is not a list."};
@@ -75,38 +76,40 @@ Predicate parsed(const ErrorEntry& failure, Parse&& parse) {
   }
 }
 
-Predicate predicateFromText(std::u16string_view format) {
+Predicate predicateFromText(std::u16string_view format, const PredicateSurroundings& surroundings) {
   if (placeholders(format) > 0) {
     throw ScriptError(kNeedsArguments, foundation::utf8FromUtf16(format));
   }
   if (format.empty()) throw ScriptError(kEmptyPredicate);
-  return parsed(kBadPredicate, [&] { return Predicate::parse(format); });
+  return parsed(kBadPredicate, [&] { return Predicate::parse(format, {}, surroundings); });
 }
 
-Predicate predicateFromPair(std::span<const Value> pair) {
+Predicate predicateFromPair(std::span<const Value> pair,
+                            const PredicateSurroundings& surroundings) {
   if (pair.size() != 2) throw ScriptError(kNotAPair);
   if (!pair[0].isText() || !pair[1].isList()) throw ScriptError(kWrongKindsInPair);
   const auto format = pair[0].text();
   const auto arguments = pair[1].items();
   if (placeholders(format) != arguments.size()) throw ScriptError(kWrongArgumentCount);
-  return parsed(kBadPredicate, [&] { return Predicate::parse(format, arguments); });
+  return parsed(kBadPredicate, [&] { return Predicate::parse(format, arguments, surroundings); });
 }
 
-std::vector<Predicate> predicatesFrom(const ScriptValue& given) {
+std::vector<Predicate> predicatesFrom(const ScriptValue& given,
+                                      const PredicateSurroundings& surroundings) {
   std::vector<Predicate> predicates;
   // Kept: placeholders in a bare text are not looked for.
   if (const auto text = core::textFromScriptValue(given)) {
-    predicates.push_back(
-        parsed(kBadSinglePredicate, [&] { return Predicate::parse(text->view()); }));
+    predicates.push_back(parsed(kBadSinglePredicate,
+                                [&] { return Predicate::parse(text->view(), {}, surroundings); }));
     return predicates;
   }
   if (given.type() != "list"_code) throw ScriptError(kNeitherTextNorPair);
   const Value list = core::unpackAEList(given);
   for (const Value& item : list.items()) {
     if (item.isText()) {
-      predicates.push_back(predicateFromText(item.text()));
+      predicates.push_back(predicateFromText(item.text(), surroundings));
     } else if (item.isList()) {
-      predicates.push_back(predicateFromPair(item.items()));
+      predicates.push_back(predicateFromPair(item.items(), surroundings));
     } else {
       throw ScriptError(kNeitherTextNorPair);
     }
@@ -130,7 +133,7 @@ class SKWFilterLists final : public core::Command {
     }
     std::vector<Predicate> predicates;
     if (const Value* given = evaluatedArguments().find(key::predicateList)) {
-      predicates = predicatesFrom(given->raw());
+      predicates = predicatesFrom(given->raw(), surroundings());
       for (Predicate& predicate : predicates) {
         predicate.setLook([this] { cancelToken().throwIfCancelled(); });
       }
@@ -146,6 +149,13 @@ class SKWFilterLists final : public core::Command {
     } catch (const PredicateError& error) {
       throw ScriptError(kFilteringFailed, error.reason());
     }
+  }
+
+  [[nodiscard]] PredicateSurroundings surroundings() const {
+    const platform::Platform& platform = context().platform;
+    return {.environment = &platform.environment,
+            .clock = &context().clock,
+            .chance = &platform.chance};
   }
 
   // The items for which all predicates are true. An item is unpacked just before the

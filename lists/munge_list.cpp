@@ -25,12 +25,12 @@ using foundation::SortDirection;
 using foundation::TextComparison;
 using Items = std::vector<Value>;
 
-void sortTexts(Items& texts, TextComparison comparison, SortDirection direction) {
+void sortTexts(Items& texts, const foundation::TextComparator& comparator,
+               SortDirection direction) {
   std::vector<std::u16string_view> views;
   views.reserve(texts.size());
   for (const Value& text : texts) views.push_back(text.text());
-  const auto positions =
-      foundation::sortedPositions(views, foundation::TextComparator(comparison), direction);
+  const auto positions = foundation::sortedPositions(views, comparator, direction);
   texts = inOrder(std::move(texts), positions);
 }
 
@@ -65,7 +65,8 @@ class SKWMungeList final : public core::Command {
     }
     sortPlainly(kinds[static_cast<std::size_t>(SortKind::number)], direction);
     sortPlainly(kinds[static_cast<std::size_t>(SortKind::date)], direction);
-    sortTexts(kinds[static_cast<std::size_t>(SortKind::text)], comparison, direction);
+    sortTexts(kinds[static_cast<std::size_t>(SortKind::text)],
+              comparatorFor(comparison, context().platform.environment), direction);
     if (!isAscending_) std::ranges::reverse(kinds);
     list.clear();
     list.reserve(count);

@@ -66,7 +66,7 @@ class SKWMungeListOfLists final : public core::Command {
 
   std::optional<Value> compute() override {
     std::vector<Items> lists = sublists();
-    SortCriteria criteria(lists.size());
+    SortCriteria criteria(lists.size(), context().platform.environment);
     for (std::size_t i = 0; i < indexes_.size(); ++i) addCriterion(criteria, lists, i);
     const auto positions = criteria.positions();
     Items sorted;

@@ -63,7 +63,7 @@ class SKWMungeRecords final : public core::Command {
     const auto comparison = comparisonFromCode(option_);
     const auto isText = [](const Key& key) { return key.kind == SortKind::text; };
     if (!comparison && std::ranges::any_of(keys, isText)) throw ScriptError(kUnknownOption);
-    SortCriteria criteria(records.size());
+    SortCriteria criteria(records.size(), context().platform.environment);
     for (std::size_t i = 0; i < keys.size(); ++i) {
       criteria.add(keys[i].values, keys[i].kind,
                    comparison.value_or(foundation::TextComparison::sortPlain), directions_[i]);

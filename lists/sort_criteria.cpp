@@ -10,6 +10,7 @@
 
 #include "core/unpack.h"
 #include "foundation/number/value_order.h"
+#include "foundation/text/user_preferences.h"
 
 namespace skerrow::lists {
 
@@ -67,11 +68,11 @@ std::vector<std::uint32_t> plainRanks(const std::vector<const Value*>& values) {
 }
 
 std::vector<std::uint32_t> textRanks(const std::vector<const Value*>& values,
-                                     TextComparison comparison) {
+                                     const foundation::TextComparator& comparator) {
   std::vector<std::u16string_view> texts;
   texts.reserve(values.size());
   for (const Value* value : values) texts.push_back(value->text());
-  return foundation::sortRanks(texts, foundation::TextComparator(comparison));
+  return foundation::sortRanks(texts, comparator);
 }
 
 }  // namespace
@@ -127,6 +128,14 @@ std::weak_ordering plainOrder(const Value& a, const Value& b) noexcept {
   return isNumber(a) <=> isNumber(b);
 }
 
+foundation::TextComparator comparatorFor(TextComparison comparison,
+                                         const platform::Environment& environment) {
+  const bool isByLanguage =
+      comparison != TextComparison::sortPlain && comparison != TextComparison::sortCaseInsensitive;
+  return foundation::TextComparator(
+      comparison, isByLanguage ? foundation::userLocale(environment) : std::string());
+}
+
 void SortCriteria::add(const std::vector<const Value*>& values, SortKind kind,
                        TextComparison comparison, SortDirection direction) {
   std::vector<const Value*> present;
@@ -136,7 +145,8 @@ void SortCriteria::add(const std::vector<const Value*>& values, SortKind kind,
   };
   std::ranges::copy_if(values, std::back_inserter(present), isOfKind);
   const std::vector<std::uint32_t> presentRanks =
-      kind == SortKind::text ? textRanks(present, comparison) : plainRanks(present);
+      kind == SortKind::text ? textRanks(present, comparatorFor(comparison, environment_))
+                             : plainRanks(present);
   std::vector<std::uint32_t> ranks(itemCount_, 0);
   std::size_t next = 0;
   for (std::size_t i = 0; i < itemCount_; ++i) {

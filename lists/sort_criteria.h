@@ -12,6 +12,7 @@
 #include "core/command.h"
 #include "foundation/collation/text_comparison.h"
 #include "foundation/collation/text_sort.h"
+#include "platform/environment.h"
 #include "values/value.h"
 
 namespace skerrow::lists {
@@ -39,9 +40,15 @@ SortKind sortKindOf(const Value& value);
 /// of -1, comes before all numbers; values that have no order are equivalent.
 std::weak_ordering plainOrder(const Value& a, const Value& b) noexcept;
 
+/// A comparator by the user's language, where the comparison goes by a language.
+foundation::TextComparator comparatorFor(foundation::TextComparison comparison,
+                                         const platform::Environment& environment);
+
 class SortCriteria {
  public:
-  explicit SortCriteria(std::size_t itemCount) : itemCount_(itemCount) {}
+  /// The environment, which says the language, outlives this.
+  SortCriteria(std::size_t itemCount, const platform::Environment& environment)
+      : itemCount_(itemCount), environment_(environment) {}
 
   /// Adds a key with one value an item, of this kind; null stands for an item without
   /// a value, which comes first when ascending. Values of other kinds come last and
@@ -65,6 +72,7 @@ class SortCriteria {
   [[nodiscard]] std::uint32_t rankOf(std::size_t criterion, std::uint32_t item) const;
 
   std::size_t itemCount_;
+  const platform::Environment& environment_;
   std::vector<Criterion> criteria_;
 };
 

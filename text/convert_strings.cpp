@@ -13,10 +13,10 @@
 #include "argument_keys/SKWConvertStrings.h"
 #include "core/command.h"
 #include "core/script_error.h"
-#include "foundation/collation/text_comparison.h"
 #include "foundation/date/date_parser.h"
 #include "foundation/number/number_scanner.h"
 #include "foundation/text/text_encoding.h"
+#include "foundation/text/user_preferences.h"
 #include "text/text_input.h"
 
 namespace skerrow::text {
@@ -79,8 +79,14 @@ class SKWConvertStrings final : public core::Command {
 
   std::optional<Value> compute() override { return format_ ? dates() : numbers(); }
 
+  [[nodiscard]] const platform::Environment& environment() const {
+    return context().platform.environment;
+  }
+
   [[nodiscard]] Value dates() {
-    const std::optional<DateParser> parser = DateParser::make(format_->view());
+    const std::optional<DateParser> parser =
+        DateParser::make(format_->view(), foundation::userLocale(environment()),
+                         foundation::userTimeZone(environment()));
     if (!parser) throw ScriptError(kBadFormat);
     return convertTextOrTexts(
         *takeDirectParameter(), kNotTexts, cancelToken(), [&parser](const Text& text) {
@@ -92,7 +98,8 @@ class SKWConvertStrings final : public core::Command {
 
   [[nodiscard]] Value numbers() {
     const NumberSymbols symbols =
-        isLocalized_ ? NumberSymbols::ofLocale(foundation::userLocale()) : NumberSymbols();
+        isLocalized_ ? NumberSymbols::ofLocale(foundation::userLocale(environment()))
+                     : NumberSymbols();
     return convertTextOrTexts(
         *takeDirectParameter(), kNotTexts, cancelToken(), [this, &symbols](const Text& text) {
           const auto scanned = foundation::scanReal(text.view(), symbols);

@@ -2,7 +2,8 @@
 """Checks that includes point down: prints each include that must not be and exits with 1.
 
 A room includes itself and rooms below it. Outside libraries are wrapped in one place each.
-Headers include each other without cycles.
+Headers include each other without cycles. Only the platform asks for the clock, the environment,
+files and chance.
 """
 
 import re
@@ -33,6 +34,8 @@ ROWS = [
 # Folders of headers that are made while building, and the room that they belong to.
 GENERATED = {"argument_keys": "scripting"}
 
+OWN_SYSTEM = "the system's platform"
+
 # What only some places may include: its name, its headers, the places (path prefixes).
 RESERVED = [
     # Tests and benchmarks hold what we make of ICU against ICU itself.
@@ -45,7 +48,35 @@ RESERVED = [
         r"|(unistd|fcntl|poll|dirent|dlfcn|pwd|grp|spawn|termios|sched)\.h$|glib-unix\.h$",
         ["platform/", "tests/", "bench/"],
     ),
+    # Whatever a program starts gets its platform handed in.
+    (
+        OWN_SYSTEM,
+        r"platform/(system_platform|byte_stream|machine_memory)\.h$",
+        ["platform/", "cli/", "service/", "tests/", "bench/", "fuzz/"],
+    ),
+    ("files", r"(filesystem|fstream)$", ["platform/", "tests/", "bench/", "fuzz/"]),
 ]
+
+# What only the platform and programs that try or measure us may do themselves: name, expression.
+RESERVED_CALLS = [
+    ("the clock", r"\b(system_clock|steady_clock|high_resolution_clock|utc_clock|file_clock)::now\b"),
+    ("the clock", r"\b(gettimeofday|clock_gettime|g_get_real_time|g_get_monotonic_time)\s*\("),
+    ("the clock", r"(?<!\w)(::|std::)time\s*\(|\btime\s*\(\s*(nullptr|NULL|0|&)"),
+    ("the environment", r"\b(secure_getenv|getenv|setenv|putenv|g_getenv|g_setenv)\s*\("),
+    ("the environment", r"\b(g_get_home_dir|g_get_user_name|g_get_tmp_dir|g_get_user_\w+_dir)\s*\("),
+    ("files", r"\bstd::(filesystem|i?o?fstream|basic_i?o?fstream|fopen|remove|rename|tmpfile)\b"),
+    ("files", r"(?<![\w.>:])(fopen|freopen|mkstemp|mkdtemp|g_file_\w+)\s*\("),
+    ("chance", r"\b(std::random_device|std::rand|arc4random|g_random_\w+)\b"),
+    ("processes", r"(?<![\w.>:])(system|popen|fork|execv\w*|posix_spawn\w*|g_spawn_\w+)\s*\("),
+]
+CALLERS = ["platform/", "tests/", "bench/", "fuzz/"]
+# The exceptions, each with its reason.
+EXCEPTIONS = {
+    # Below the platform: the number of its own that each process draws for its hashes.
+    "values/hash.cpp": ["chance", "the clock"],
+    # Waits for microseconds; asking an interface would take a good part of them.
+    "core/spin_wait.h": ["the clock"],
+}
 
 OTHER_FOLDERS = ["tests", "bench", "fuzz"]  # may include every room
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)
@@ -78,8 +109,29 @@ def problemsOfInclude(source, quote, header, root):
     elif (isGenerated or (root / header).is_file()) and not mayInclude(room, other):
         yield f"{room} must not include {other} ({header})"
     for name, headers, places in RESERVED:
-        if quote == "<" and re.match(headers, header) and not source.startswith(tuple(places)):
+        if (quote == "<" or name == OWN_SYSTEM) and re.match(headers, header) and not source.startswith(tuple(places)):
             yield f"only {' and '.join(places)} may include {name} ({header})"
+
+
+COMMENT_OR_TEXT = re.compile(r'//[^\n]*|/\*.*?\*/|R"(\w*)\(.*?\)\1"|"(?:\\.|[^"\\\n])*"', re.DOTALL)
+
+
+def withoutCommentsAndTexts(code):
+    """The code with blanks for comments and texts, and its lines where they were."""
+    return COMMENT_OR_TEXT.sub(lambda found: re.sub(r"[^\n]", " ", found.group()), code)
+
+
+def problemsOfCalls(source, text):
+    """The calls that belong to the platform, as (line, sentence) pairs."""
+    if source.startswith(tuple(CALLERS)):
+        return
+    code = withoutCommentsAndTexts(text)
+    for name, expression in RESERVED_CALLS:
+        if name in EXCEPTIONS.get(source, []):
+            continue
+        for match in re.finditer(expression, code):
+            line = code.count("\n", 0, match.start()) + 1
+            yield line, f"only platform/ may ask for {name} ({match.group().strip(' (')})"
 
 
 def cycles(graph):
@@ -113,6 +165,8 @@ def problems(root):
                 line = text.count("\n", 0, match.start(1)) + 1
                 for problem in problemsOfInclude(source, quote, header, root):
                     yield f"{source}:{line}: {problem}"
+            for line, problem in problemsOfCalls(source, text):
+                yield f"{source}:{line}: {problem}"
     for cycle in cycles(graph):
         yield f"{cycle[0]}: includes itself: {' -> '.join(cycle)}"
 

@@ -1,12 +1,10 @@
 #include "foundation/collation/text_comparison.h"
 
 #include <unicode/ucol.h>
-#include <unicode/uloc.h>
 #include <unicode/unorm.h>
 #include <unicode/ustring.h>
 
 #include <algorithm>
-#include <cstring>
 #include <stdexcept>
 
 #include "foundation/text/canonical_form.h"
@@ -44,15 +42,6 @@ void setAttribute(UCollator* collator, UColAttribute attribute, UColAttributeVal
 }
 
 }  // namespace
-
-std::string userLocale() {
-  const char* const locale = uloc_getDefault();
-  char variant[ULOC_FULLNAME_CAPACITY] = "";
-  UErrorCode status = U_ZERO_ERROR;
-  uloc_getVariant(locale, variant, sizeof variant, &status);
-  const bool isPosix = std::strstr(variant, "POSIX") != nullptr || std::strcmp(locale, "c") == 0;
-  return isPosix ? "" : locale;
-}
 
 std::u16string caselessForm(std::u16string_view text) {
   std::u16string form(text);

@@ -22,18 +22,15 @@ enum class TextComparison : std::uint8_t {
   sortLocalizedStandard,  ///< the same as file managers show names: digits by value
 };
 
-/// The language whose rules a user wants: that of the environment, except that the
-/// C and POSIX locales, which have no language, take the rules of all languages (CLDR root).
-std::string userLocale();
-
 /// The text without case, canonically decomposed: what sortCaseInsensitive compares literally.
 std::u16string caselessForm(std::u16string_view text);
 
 class TextComparator {
  public:
-  /// `locale` is a language tag or ICU locale identifier. Throws std::runtime_error
-  /// when the collation rules of the system cannot be read at all.
-  explicit TextComparator(TextComparison comparison, const std::string& locale = userLocale());
+  /// `locale` is a language tag or ICU locale identifier; without one, the rules of all
+  /// languages (CLDR root) count. Throws std::runtime_error when the collation rules of
+  /// the system cannot be read at all.
+  explicit TextComparator(TextComparison comparison, const std::string& locale = {});
   TextComparator(TextComparator&&) noexcept;
   TextComparator& operator=(TextComparator&&) noexcept;
   ~TextComparator();

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "foundation/text/icu_text.h"
+#include "foundation/text/text_encoding.h"
 
 namespace skerrow::foundation {
 
@@ -159,10 +160,11 @@ DateParser& DateParser::operator=(DateParser&&) noexcept = default;
 DateParser::~DateParser() = default;
 
 std::optional<DateParser> DateParser::make(std::u16string_view pattern, const std::string& locale,
-                                           std::u16string_view timeZone) {
+                                           const std::string& timeZone) {
   UErrorCode status = U_ZERO_ERROR;
-  const char16_t* const zone = timeZone.empty() ? nullptr : timeZone.data();
-  const std::int32_t zoneLength = icuLength(timeZone);
+  const std::u16string zoneName = utf16FromUtf8Replacing(timeZone);
+  const char16_t* const zone = zoneName.empty() ? nullptr : zoneName.data();
+  const std::int32_t zoneLength = icuLength(zoneName);
   const char* const language = locale.empty() ? "en_US_POSIX" : locale.c_str();
   const std::vector<PatternPart> parts = partsOf(pattern);
   const std::u16string relaxed = withoutDigitCounts(parts);
@@ -174,11 +176,11 @@ std::optional<DateParser> DateParser::make(std::u16string_view pattern, const st
   for (const UDateFormatBooleanAttribute leniency : kLeniencies) {
     udat_setBooleanAttribute(formats->format.get(), leniency, 0, &status);
   }
-  udat_set2DigitYearStart(formats->format.get(), startOf(kFirstTwoDigitYear, timeZone, status),
+  udat_set2DigitYearStart(formats->format.get(), startOf(kFirstTwoDigitYear, zoneName, status),
                           &status);
   const bool hasDay =
       std::ranges::any_of(parts, [](const auto& part) { return isField(part, u"dDg"); });
-  formats->start = startFor(udat_getCalendar(formats->format.get()), timeZone, hasDay, status);
+  formats->start = startFor(udat_getCalendar(formats->format.get()), zoneName, hasDay, status);
   if (U_FAILURE(status)) return std::nullopt;
   if (!parts.empty()) {
     const std::u16string& front = parts.front().text;

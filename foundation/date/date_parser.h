@@ -12,7 +12,6 @@
 #include <string>
 #include <string_view>
 
-#include "foundation/collation/text_comparison.h"
 #include "values/value.h"
 
 namespace skerrow::foundation {
@@ -23,9 +22,8 @@ class DateParser {
   /// whose names of months and days, and in whose calendar, dates are read; the root,
   /// which has no names, means English. A pattern without a zone means local time, or
   /// that of `timeZone` (an Olson name) if given.
-  static std::optional<DateParser> make(std::u16string_view pattern,
-                                        const std::string& locale = userLocale(),
-                                        std::u16string_view timeZone = {});
+  static std::optional<DateParser> make(std::u16string_view pattern, const std::string& locale = {},
+                                        const std::string& timeZone = {});
 
   DateParser(DateParser&&) noexcept;
   DateParser& operator=(DateParser&&) noexcept;

@@ -101,7 +101,8 @@ std::optional<std::int64_t> longDateTimeFromIso8601(const std::string& text) {
   return longDateTime(text, nullptr);
 }
 
-std::optional<std::int64_t> longDateTimeFromPlainIso8601(std::string text) {
+std::optional<std::int64_t> longDateTimeFromPlainIso8601(std::string text,
+                                                         const std::string& timeZone) {
   constexpr std::size_t kDateLength = 10;     // 2024-03-01
   constexpr std::size_t kMinutesLength = 16;  // 2024-03-01T15:05
   const std::size_t space = text.find(' ', kMinutesLength);
@@ -114,7 +115,9 @@ std::optional<std::int64_t> longDateTimeFromPlainIso8601(std::string text) {
       std::min(text.find_first_of("+-Z", kMinutesLength), text.size()) == kMinutesLength) {
     text.insert(kMinutesLength, ":00");
   }
-  const std::unique_ptr<GTimeZone, TimeZoneUnref> local(g_time_zone_new_local());
+  std::unique_ptr<GTimeZone, TimeZoneUnref> local;
+  if (!timeZone.empty()) local.reset(g_time_zone_new_identifier(timeZone.c_str()));
+  if (!local) local.reset(g_time_zone_new_local());
   return longDateTime(text, local.get());
 }
 

@@ -26,6 +26,8 @@ std::optional<std::int64_t> longDateTimeFromIso8601(const std::string& text);
 
 /// The same as people write it: the seconds or the whole time may be missing, which are
 /// 0 then, and the offset, which makes it local time; a space may stand before the offset.
-std::optional<std::int64_t> longDateTimeFromPlainIso8601(std::string text);
+/// Local time is that of `timeZone` (an Olson name) if given, else of this machine.
+std::optional<std::int64_t> longDateTimeFromPlainIso8601(std::string text,
+                                                         const std::string& timeZone = {});
 
 }  // namespace skerrow::foundation

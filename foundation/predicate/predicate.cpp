@@ -15,6 +15,7 @@ constexpr std::string_view kTooDeep = "a list is nested too deep";
 
 struct Predicate::Compiled {
   std::u16string format;
+  PredicateSurroundings surroundings;
   ParsedPredicate parsed;
 };
 
@@ -31,10 +32,12 @@ Predicate& Predicate::operator=(Predicate other) noexcept {
   return *this;
 }
 
-Predicate Predicate::parse(std::u16string_view format, std::span<const Value> arguments) {
+Predicate Predicate::parse(std::u16string_view format, std::span<const Value> arguments,
+                           const PredicateSurroundings& surroundings) {
   try {
     return Predicate(std::make_shared<const Compiled>(
-        Compiled{std::u16string(format), PredicateParser(format, arguments).parse()}));
+        Compiled{std::u16string(format), surroundings,
+                 PredicateParser(format, arguments, surroundings).parse()}));
   } catch (const NestingTooDeep&) {
     throw PredicateError::unreadable(format, format.size(), kTooDeep);
   }
@@ -49,7 +52,8 @@ bool Predicate::evaluate(const Value& item, const Record& variables) const {
 bool Predicate::evaluate(const Value& item, const Record* variables) const {
   if (!evaluation_) {
     evaluation_ = std::make_unique<PredicateEvaluation>(compiled_->parsed.variables.size(),
-                                                        compiled_->parsed.matchCount, look_);
+                                                        compiled_->parsed.matchCount,
+                                                        compiled_->surroundings, look_);
   }
   try {
     evaluation_->begin(item, variables);

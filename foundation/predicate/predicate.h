@@ -22,6 +22,7 @@
 #include <string_view>
 
 #include "foundation/predicate/predicate_error.h"
+#include "foundation/predicate/predicate_surroundings.h"
 #include "values/record.h"
 #include "values/value.h"
 
@@ -33,7 +34,8 @@ class Predicate {
  public:
   /// Placeholders are filled from `arguments` in order; a placeholder in quotation
   /// marks is text. Throws PredicateError.
-  static Predicate parse(std::u16string_view format, std::span<const Value> arguments = {});
+  static Predicate parse(std::u16string_view format, std::span<const Value> arguments = {},
+                         const PredicateSurroundings& surroundings = {});
 
   Predicate(const Predicate& other);
   Predicate(Predicate&&) noexcept;

@@ -4,12 +4,17 @@
 #include <utility>
 
 #include "foundation/text/text_encoding.h"
+#include "foundation/text/user_preferences.h"
 
 namespace skerrow::foundation {
 
 PredicateEvaluation::PredicateEvaluation(std::size_t variableCount, std::size_t matchCount,
+                                         const PredicateSurroundings& surroundings,
                                          StepBudget::Look look)
-    : variables_(variableCount), steps_(kMaximumSteps, look), matches_(matchCount) {
+    : surroundings_(surroundings),
+      variables_(variableCount),
+      steps_(kMaximumSteps, look),
+      matches_(matchCount) {
   matchWatch_.timeLimit = std::chrono::seconds(3);
   if (!look) return;
   matchWatch_.isStopped = [look = std::move(look)] {
@@ -38,8 +43,26 @@ void PredicateEvaluation::forgetVariables() {
   hasAssigned_ = false;
 }
 
+const std::string& PredicateEvaluation::timeZone() {
+  if (!timeZone_) {
+    const platform::Environment* const environment = surroundings_.environment;
+    timeZone_ = environment != nullptr ? userTimeZone(*environment) : std::string();
+  }
+  return *timeZone_;
+}
+
+Date PredicateEvaluation::now() const {
+  if (surroundings_.clock == nullptr) throw EvaluationFault("nothing here knows the time");
+  constexpr auto kStart = std::chrono::sys_days(std::chrono::year(2001) / 1 / 1);
+  const std::chrono::duration<double> since = surroundings_.clock->wall() - kStart;
+  return Date{since.count()};
+}
+
 std::mt19937_64& PredicateEvaluation::random() {
-  if (random_.empty()) random_.emplace_back(std::random_device()());
+  if (random_.empty()) {
+    if (surroundings_.chance == nullptr) throw EvaluationFault("nothing here draws by chance");
+    random_.emplace_back(surroundings_.chance->draw());
+  }
   return random_.front();
 }
 

@@ -5,12 +5,15 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <random>
 #include <stdexcept>
+#include <string>
 #include <vector>
 
 #include "foundation/collation/text_relation.h"
 #include "foundation/key_path/step_budget.h"
+#include "foundation/predicate/predicate_surroundings.h"
 #include "foundation/predicate/wildcard_pattern.h"
 #include "foundation/regex/match_watch.h"
 #include "foundation/regex/whole_match.h"
@@ -38,8 +41,10 @@ class EvaluationFault : public std::runtime_error {
 
 class PredicateEvaluation {
  public:
-  /// A slot for every variable and every MATCHES of the predicate. `look` may be empty.
-  PredicateEvaluation(std::size_t variableCount, std::size_t matchCount, StepBudget::Look look);
+  /// A slot for every variable and every MATCHES of the predicate. The surroundings stay
+  /// where they are as long as this lives; `look` may be empty.
+  PredicateEvaluation(std::size_t variableCount, std::size_t matchCount,
+                      const PredicateSurroundings& surroundings, StepBudget::Look look);
 
   /// Begins with a new item. Both must stay where they are until the evaluation
   /// ends; `given` may be null.
@@ -83,6 +88,10 @@ class PredicateEvaluation {
   const MatchWatch& matchWatch() const { return matchWatch_; }
   TextRelation::Workspace& texts() { return texts_; }
   WildcardPattern& pattern() { return pattern_; }
+  /// The user's, by its Olson name; empty where nothing says it.
+  const std::string& timeZone();
+  /// Both throw EvaluationFault where the surroundings do not say.
+  Date now() const;
   std::mt19937_64& random();
 
  private:
@@ -95,6 +104,7 @@ class PredicateEvaluation {
 
   void forgetVariables();
 
+  const PredicateSurroundings& surroundings_;
   const Value* item_ = nullptr;
   const Record* given_ = nullptr;
   std::vector<Variable> variables_;
@@ -105,6 +115,7 @@ class PredicateEvaluation {
   TextRelation::Workspace texts_;
   WildcardPattern pattern_;
   std::vector<std::mt19937_64> random_;  // one once it is needed
+  std::optional<std::string> timeZone_;  // once it is needed
 };
 
 }  // namespace skerrow::foundation

@@ -160,7 +160,7 @@ const Value* CastExpression::evaluate(PredicateEvaluation& evaluation, Value& ro
       if (kind == Kind::number) return put(Date{operand->number().asReal()}, room);
       if (kind != Kind::text) return nullptr;
       const std::optional<std::int64_t> seconds =
-          longDateTimeFromPlainIso8601(utf8FromUtf16(operand->text()));
+          longDateTimeFromPlainIso8601(utf8FromUtf16(operand->text()), evaluation.timeZone());
       return seconds ? put(dateFromLongDateTime(*seconds), room) : nullptr;
     }
   }

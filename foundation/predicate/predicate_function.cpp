@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <string>
@@ -137,11 +136,7 @@ Result random(Arguments arguments, PredicateEvaluation& evaluation) {
       std::uniform_int_distribution<std::int64_t>(0, highest)(evaluation.random()));
 }
 
-Result now(Arguments, PredicateEvaluation&) {
-  constexpr auto kStart = std::chrono::sys_days(std::chrono::year(2001) / 1 / 1);
-  const std::chrono::duration<double> since = std::chrono::system_clock::now() - kStart;
-  return Date{since.count()};
-}
+Result now(Arguments, PredicateEvaluation& evaluation) { return evaluation.now(); }
 
 Result itself(Arguments arguments, PredicateEvaluation&) { return arguments.front(); }
 

@@ -3,13 +3,14 @@
 #include <algorithm>
 #include <utility>
 
-#include "foundation/collation/text_comparison.h"
 #include "foundation/predicate/predicate_error.h"
+#include "foundation/text/user_preferences.h"
 
 namespace skerrow::foundation {
 
-PredicateParser::PredicateParser(std::u16string_view format, std::span<const Value> arguments)
-    : format_(format), scanner_(format), arguments_(arguments) {
+PredicateParser::PredicateParser(std::u16string_view format, std::span<const Value> arguments,
+                                 const PredicateSurroundings& surroundings)
+    : format_(format), scanner_(format), arguments_(arguments), surroundings_(surroundings) {
   advance();
 }
 
@@ -250,7 +251,8 @@ PredicateParser::Operand PredicateParser::parseCompared(Operand left, Comparison
       (!bounds->isList() || bounds->items().size() != 2)) {
     fail(rightPlace, "BETWEEN needs a list of two values, a lower and an upper one");
   }
-  const std::string locale = parts.options.localeSensitive ? userLocale() : std::string();
+  const bool isByLanguage = parts.options.localeSensitive && surroundings_.environment != nullptr;
+  const std::string locale = isByLanguage ? userLocale(*surroundings_.environment) : "";
   return made(std::make_unique<ComparisonCondition>(std::move(parts), locale), place, height + 1);
 }
 

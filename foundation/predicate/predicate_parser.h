@@ -15,6 +15,7 @@
 #include "foundation/predicate/predicate_function.h"
 #include "foundation/predicate/predicate_keyword.h"
 #include "foundation/predicate/predicate_scanner.h"
+#include "foundation/predicate/predicate_surroundings.h"
 #include "values/value.h"
 #include "values/value_index.h"
 
@@ -32,9 +33,10 @@ struct ParsedPredicate {
 class PredicateParser {
  public:
   /// The arguments fill the placeholders in order; more of them than there are
-  /// placeholders do no harm. Both must outlive the parser. Throws PredicateError,
-  /// here and in parse().
-  PredicateParser(std::u16string_view format, std::span<const Value> arguments);
+  /// placeholders do no harm. All must outlive the
+  /// parser. Throws PredicateError, here and in parse().
+  PredicateParser(std::u16string_view format, std::span<const Value> arguments,
+                  const PredicateSurroundings& surroundings);
 
   /// Reads the whole format. To be called once.
   ParsedPredicate parse();
@@ -155,6 +157,7 @@ class PredicateParser {
   std::u16string_view format_;
   PredicateScanner scanner_;
   std::span<const Value> arguments_;
+  const PredicateSurroundings& surroundings_;
   std::size_t usedArguments_ = 0;
   PredicateToken token_;
   Keyword keyword_ = Keyword::none;

@@ -14,6 +14,8 @@
 
 #include "foundation/predicate/predicate.h"
 #include "foundation/text/text_encoding.h"
+#include "platform/clock.h"
+#include "platform/system_platform.h"
 #include "values/record.h"
 #include "values/value.h"
 
@@ -52,11 +54,18 @@ struct Row {
   bool expected;
 };
 
+// Those of this machine.
+inline PredicateSurroundings surroundings() {
+  static const platform::SystemPlatform system;
+  static const platform::SystemClock clock;
+  return {.environment = &system.environment, .clock = &clock, .chance = &system.chance};
+}
+
 inline void check(std::span<const Row> rows, const Value& item) {
   for (const Row& row : rows) {
     SCOPED_TRACE(utf8FromUtf16(row.format));
     try {
-      EXPECT_EQ(Predicate::parse(row.format).evaluate(item), row.expected);
+      EXPECT_EQ(Predicate::parse(row.format, {}, surroundings()).evaluate(item), row.expected);
     } catch (const PredicateError& error) {
       ADD_FAILURE() << error.reason();
     }
