@@ -33,8 +33,9 @@ std::optional<std::string> contentOf(const std::string& path) {
 std::optional<std::size_t> limitIn(const std::string& file) {
   const std::optional<std::string> content = contentOf(file);
   if (!content) return std::nullopt;
-  std::size_t limit = 0;  // stays so for the word "max"
+  std::size_t limit = 0;
   const char* const end = content->data() + content->size();
+  // Where there is no limit it says "max".
   if (std::from_chars(content->data(), end, limit).ec != std::errc()) return std::nullopt;
   return limit;
 }
@@ -48,7 +49,7 @@ std::optional<std::size_t> lower(std::optional<std::size_t> a, std::optional<std
 // a container: then the nearest one in sight counts.
 std::optional<std::size_t> limitUpFrom(std::string_view group, const Hierarchy& hierarchy,
                                        const std::string& root) {
-  if (group.find("..") != std::string_view::npos) group = {};
+  if (!group.starts_with('/') || group.starts_with("/..")) group = {};
   std::optional<std::size_t> lowest;
   for (;;) {
     while (group.ends_with('/')) group.remove_suffix(1);

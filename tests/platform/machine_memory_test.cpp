@@ -62,7 +62,11 @@ TEST(ControlGroupMemoryLimit, IsThatOfTheRootWhereTheGroupIsOutOfSight) {
   EXPECT_EQ(limitWith({{kGroups, "9:memory:/docker/0123\n"},
                        {"sys/fs/cgroup/memory/memory.limit_in_bytes", "512\n"}}),
             512U);
-  EXPECT_EQ(limitWith({{kGroups, "0::/../..\n"}, {"sys/fs/cgroup/memory.max", "512"}}), 512U);
+  for (const std::string group : {"/../..", "/../other", "", "relative", "/"}) {
+    EXPECT_EQ(limitWith({{kGroups, "0::" + group}, {"sys/fs/cgroup/memory.max", "512"}}), 512U)
+        << group;
+  }
+  EXPECT_EQ(limitWith({{kGroups, "0::/a..b\n"}, {"sys/fs/cgroup/a..b/memory.max", "7"}}), 7U);
 }
 
 TEST(ControlGroupMemoryLimit, IsNothingWithoutALimitOrWithoutGroups) {
