@@ -4,8 +4,7 @@
 #include <string_view>
 
 #include "cli/options.h"
-#include "scripting/argument_evaluation.h"
-#include "scripting/dictionary.h"
+#include "scripting/dictionary/dictionary.h"
 
 namespace skerrow::cli {
 
@@ -41,13 +40,17 @@ std::string wrapped(std::string_view text, std::size_t indent) {
   return lines;
 }
 
+// What stands in parentheses behind a parameter's name.
+std::string kinds(const ArgumentEntry& argument) {
+  return std::string(argument.type.inWords) + (argument.isOptional() ? ")" : ", required)");
+}
+
 std::string argumentLines(const ArgumentEntry& argument) {
-  std::string text = "  " + std::string(argument.key) + " (" + scripting::kindsInWords(argument) +
-                     (argument.isOptional ? ")\n" : ", required)\n");
+  std::string text = "  " + std::string(argument.key) + " (" + kinds(argument) + "\n";
   text += "      In scripts: " + std::string(argument.words) + "\n";
   text += wrapped(sentence(argument.description), 6);
-  if (argument.enumeration != nullptr) {
-    for (const scripting::EnumeratorEntry& one : argument.enumeration->enumerators) {
+  if (argument.type.enumeration != nullptr) {
+    for (const scripting::EnumeratorEntry& one : argument.type.enumeration->enumerators) {
       text += wrapped(std::string(one.words) + ": " + std::string(one.description), 8);
     }
   }
@@ -56,16 +59,16 @@ std::string argumentLines(const ArgumentEntry& argument) {
 
 std::string details(const CommandEntry& command) {
   std::string text =
-      std::string(command.className) + "\n  In scripts: " + std::string(command.words) + "\n\n";
+      std::string(command.name) + "\n  In scripts: " + std::string(command.words) + "\n\n";
   text += wrapped(sentence(command.description), 2);
   if (command.directParameter != nullptr) {
-    text += "\nDirect parameter (" + scripting::kindsInWords(*command.directParameter) + ")\n";
+    text += "\nDirect parameter (" + kinds(*command.directParameter) + "\n";
     text += wrapped(sentence(command.directParameter->description), 6);
   }
   if (!command.arguments.empty()) text += "\nArguments\n";
   for (const ArgumentEntry& argument : command.arguments) text += argumentLines(argument);
   if (command.result != nullptr) {
-    text += "\nResult (" + scripting::kindsInWords(*command.result) + ")\n";
+    text += "\nResult (" + std::string(command.result->type.inWords) + ")\n";
     text += wrapped(sentence(command.result->description), 6);
   }
   return text;
@@ -78,13 +81,13 @@ std::string commandListing(const std::optional<std::string>& command) {
   std::string text;
   if (!command) {
     for (const CommandEntry& entry : commands) {
-      text += std::string(entry.className) + " (" + std::string(entry.words) + ")\n";
+      text += std::string(entry.name) + " (" + std::string(entry.words) + ")\n";
       text += wrapped(entry.description, 4);
     }
     return text;
   }
   const auto found = std::ranges::find_if(commands, [&](const CommandEntry& entry) {
-    return entry.className == *command || entry.words == *command;
+    return entry.name == *command || entry.words == *command;
   });
   if (found == commands.end()) {
     throw UsageError("there is no command “" + *command + "”; “skerrow commands” lists them all");

@@ -28,6 +28,7 @@ inline constexpr int kWrongKind = -1700;
 inline constexpr int kUnknownArgument = -1701;
 inline constexpr int kUnknownCommand = -1708;
 inline constexpr int kTimedOut = -1712;
+inline constexpr int kMissingArgument = -1715;
 inline constexpr int kHandlerFailed = -10000;
 }  // namespace scripting_error
 

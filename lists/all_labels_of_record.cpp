@@ -20,10 +20,6 @@ namespace key = argument_keys::SKWAllLabelsOfRecord;
 using Items = std::vector<Value>;
 
 class SKWAllLabelsOfRecord final : public core::Command {
-  void check() override {
-    if (!directParameter()) refuseMissing(kDirectParameter, "a record");
-  }
-
   std::optional<Value> compute() override {
     const Record record = recordFrom(*directParameter(), kDirectParameter);
     const Value* values = evaluatedArguments().find(key::forValues);

@@ -33,10 +33,6 @@ Record without(const Record& record, const Record& other, Comparing comparing) {
 }
 
 class SKWCompareRecord final : public core::Command {
-  void check() override {
-    if (!directParameter()) refuseMissing(kDirectParameter, "a record");
-  }
-
   std::optional<Value> compute() override {
     const Record a = recordFrom(*directParameter(), kDirectParameter);
     const Record b = recordArgument(evaluatedArguments(), key::toRecord);

@@ -25,8 +25,6 @@ constexpr core::ErrorEntry kCountsDiffer = {1396,
                                             "Number of values does not match number of labels."};
 
 class SKWLinkValueListsWithLabels final : public core::Command {
-  void check() override { requireList(directParameter()); }
-
   std::optional<Value> compute() override {
     const auto labels = labelsArgument(evaluatedArguments(), key::withLabels);
     Keys keys;                        // which all the records share

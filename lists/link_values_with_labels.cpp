@@ -22,8 +22,6 @@ constexpr core::ErrorEntry kCountsDiffer = {1390,
                                             "Number of values does not match number of labels."};
 
 class SKWLinkValuesWithLabels final : public core::Command {
-  void check() override { requireList(directParameter()); }
-
   // Values are carried over as they were given.
   std::optional<Value> compute() override {
     const auto labels = labelsArgument(evaluatedArguments(), key::withLabels);

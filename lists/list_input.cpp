@@ -1,7 +1,12 @@
 #include "lists/list_input.h"
 
+#include <optional>
+#include <utility>
+
 #include "core/unpack.h"
 #include "foundation/encoding/code_text.h"
+#include "scripting/dictionary/kind_words.h"
+#include "scripting/refusal.h"
 
 namespace skerrow::lists {
 
@@ -10,13 +15,7 @@ using namespace literals;
 namespace {
 
 using scripting::refuseItem;
-
-const Value& required(const core::Arguments& arguments, core::ArgumentKey key,
-                      std::string_view needed) {
-  const Value* argument = arguments.find(key);
-  if (argument == nullptr) refuseMissing(key, needed);
-  return *argument;
-}
+using scripting::refuseKind;
 
 std::optional<Record> asRecord(const ScriptValue& value) {
   auto unpacked = value.hasFields() ? core::unpack(value) : std::nullopt;
@@ -48,28 +47,23 @@ std::vector<Value> labelsOf(const Items& items, core::ArgumentKey parameter, Raw
 
 }  // namespace
 
-void requireList(const std::optional<ScriptValue>& direct) {
-  if (!direct) refuseMissing(kDirectParameter, "a list");
-  if (direct->type() != "list"_code) refuseKind(kDirectParameter, "a list", *direct);
-}
-
 Record recordFrom(const ScriptValue& value, core::ArgumentKey parameter) {
   auto record = asRecord(value);
-  if (!record) refuseKind(parameter, "a record", value);
+  if (!record) refuseKind(parameter, scripting::wordsOf(scripting::Kinds::record).one, value);
   return std::move(*record);
 }
 
 Record recordArgument(const core::Arguments& arguments, core::ArgumentKey key) {
-  return recordFrom(required(arguments, key, "a record").raw(), key);
+  return recordFrom(arguments.find(key)->raw(), key);
 }
 
 std::vector<Record> recordsArgument(const core::Arguments& arguments, core::ArgumentKey key) {
-  const auto items = required(arguments, key, "a list of records").items();
+  const auto items = arguments.find(key)->items();
   std::vector<Record> records;
   records.reserve(items.size());
   for (const Value& item : items) {
     auto record = asRecord(item.raw());
-    if (!record) refuseItem(key, "records", item.raw());
+    if (!record) refuseItem(key, scripting::wordsOf(scripting::Kinds::record).many, item.raw());
     records.push_back(std::move(*record));
   }
   return records;
@@ -86,8 +80,7 @@ std::vector<Value> labelsFrom(const ScriptValue& list, core::ArgumentKey paramet
 }
 
 std::vector<Value> labelsArgument(const core::Arguments& arguments, core::ArgumentKey key) {
-  return labelsOf(required(arguments, key, "a list of labels").items(), key,
-                  [](const Value& item) { return &item.raw(); });
+  return labelsOf(arguments.find(key)->items(), key, [](const Value& item) { return &item.raw(); });
 }
 
 }  // namespace skerrow::lists

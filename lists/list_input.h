@@ -1,9 +1,9 @@
 #pragma once
-// What the commands of this room take in: lists, records and labels, checked for
-// their kinds. A value of the wrong kind, where a command has no failure of its
-// own for it, is refused with -1700 and a message that names the parameter.
+// What the commands of this room take in: records and labels, checked for what the
+// terminology does not say of them. A value of the wrong kind, where a command has no
+// failure of its own for it, is refused with -1700 and a message that names the
+// parameter. What the terminology requires is there.
 
-#include <optional>
 #include <vector>
 
 #include "core/command.h"
@@ -15,19 +15,13 @@
 namespace skerrow::lists {
 
 using scripting::kDirectParameter;
-using scripting::refuseKind;
-using scripting::refuseMissing;
-
-/// Refuses a direct parameter that is no list.
-void requireList(const std::optional<ScriptValue>& direct);
 
 /// The record that a value unpacks to; refuses any other value.
 Record recordFrom(const ScriptValue& value, core::ArgumentKey parameter);
-/// An argument that is declared as a record; refuses its absence.
+/// A required argument that is declared as a record.
 Record recordArgument(const core::Arguments& arguments, core::ArgumentKey key);
 
-/// The records of an argument that is declared as a list; refuses its absence and
-/// other items.
+/// The records of a required argument that is declared as a list; refuses other items.
 std::vector<Record> recordsArgument(const core::Arguments& arguments, core::ArgumentKey key);
 
 /// The key that a label names in records: its text, or for the name of a class or
@@ -35,7 +29,7 @@ std::vector<Record> recordsArgument(const core::Arguments& arguments, core::Argu
 Value labelFrom(const ScriptValue& value, core::ArgumentKey parameter);
 /// The keys of a list of labels; refuses other items.
 std::vector<Value> labelsFrom(const ScriptValue& list, core::ArgumentKey parameter);
-/// The keys of an argument that is declared as a list; refuses its absence.
+/// The keys of a required argument that is declared as a list.
 std::vector<Value> labelsArgument(const core::Arguments& arguments, core::ArgumentKey key);
 
 }  // namespace skerrow::lists

@@ -30,7 +30,6 @@ constexpr ErrorEntry kNotAList = {1163, "Not all elements are lists."};
 
 class SKWLookInListFor final : public core::Command {
   void check() override {
-    requireList(directParameter());
     // Kept: an empty list answers with the position 0, whatever else is given.
     if (directParameter()->items().empty()) {
       answerAtOnce(Items{Number::signed32(0)});

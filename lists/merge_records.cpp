@@ -122,8 +122,6 @@ class GrowingRecord {
 };
 
 class SKWMergeRecords final : public core::Command {
-  void check() override { requireList(directParameter()); }
-
   std::optional<Value> compute() override {
     const Value list = core::unpackAEList(*takeDirectParameter());
     const auto records = list.items();

@@ -43,7 +43,6 @@ void sortPlainly(Items& items, SortDirection direction) {
 
 class SKWMungeList final : public core::Command {
   void check() override {
-    requireList(directParameter());
     const core::Arguments& arguments = evaluatedArguments();
     isUnique_ = arguments.isSet(key::uniqueOption);
     isAscending_ = !arguments.has(key::sortDirection) || arguments.isSet(key::sortDirection);

@@ -57,7 +57,6 @@ class SKWMungeListOfLists final : public core::Command {
     for (const Value& index : indexes->items()) {
       indexes_.push_back(core::numberFromScriptValue(index.raw())->asInteger());
     }
-    requireList(directParameter());
     directions_ = sortDirections(arguments, key::sortDirection, indexes_.size());
     comparison_ = comparisonFromCode(sortingOption(arguments, key::listMungeOption))
                       .value_or(foundation::TextComparison::sortPlain);

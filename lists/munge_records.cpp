@@ -47,7 +47,6 @@ class SKWMungeRecords final : public core::Command {
       if (!text) throw ScriptError(kKeyNotText);
       labels_.emplace_back(std::move(*text));
     }
-    requireList(directParameter());
     directions_ = sortDirections(arguments, key::sortDirection, labels_.size());
     option_ = sortingOption(arguments, key::listMungeOption);
     isUnique_ = arguments.isSet(key::uniqueOption);

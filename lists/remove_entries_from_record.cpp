@@ -19,8 +19,6 @@ namespace {
 namespace key = argument_keys::SKWRemoveEntriesFromRecord;
 
 class SKWRemoveEntriesFromRecord final : public core::Command {
-  void check() override { requireList(directParameter()); }
-
   std::optional<Value> compute() override {
     const ValueSet labels(labelsFrom(*directParameter(), kDirectParameter));
     const auto records = recordsArgument(evaluatedArguments(), key::inRecords);

@@ -44,8 +44,6 @@ Value sumMaxMin(std::span<const Value> list) {
 }
 
 class SKWSummarizeNumbers final : public core::Command {
-  void check() override { requireList(directParameter()); }
-
   std::optional<Value> compute() override {
     const Value list = core::unpackAEList(*takeDirectParameter());
     const auto items = list.items();

@@ -11,7 +11,8 @@
 #include "core/script_error.h"
 #include "core/unpack.h"
 #include "foundation/key_path/key_path.h"
-#include "lists/list_input.h"
+#include "scripting/dictionary/kind_words.h"
+#include "scripting/refusal.h"
 
 namespace skerrow::lists {
 
@@ -24,14 +25,12 @@ constexpr core::ErrorEntry kLookupFailed = {1282, "%@"};
 
 class SKWValueForKeyPathCommand final : public core::Command {
   void check() override {
-    const auto path =
-        directParameter() ? core::textFromScriptValue(*directParameter()) : std::nullopt;
-    if (!directParameter()) refuseMissing(kDirectParameter, "a text");
-    if (!path) refuseKind(kDirectParameter, "a text", *directParameter());
-    if (path->view().find(u' ') != std::u16string_view::npos) throw core::ScriptError(kSpaceInPath);
-    path_ = *path;
+    path_ = *core::textFromScriptValue(*directParameter());
+    if (path_.view().find(u' ') != std::u16string_view::npos) throw core::ScriptError(kSpaceInPath);
     const Value* item = evaluatedArguments().find(key::ofItem);
-    if (item == nullptr) refuseMissing(key::ofItem, "the value to look in");
+    if (item == nullptr) {
+      scripting::refuseMissing(key::ofItem, wordsOf(scripting::Kinds::any).one);
+    }
     item_ = item->raw();
   }
 

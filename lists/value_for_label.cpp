@@ -31,7 +31,6 @@ void lookForKey(const Value& key, const Value& object, Items& found) {
 
 class SKWValueForLabel final : public core::Command {
   void check() override {
-    if (!directParameter()) refuseMissing(kDirectParameter, "a label");
     label_ = labelFrom(*directParameter(), kDirectParameter);
     isRecursive_ = evaluatedArguments().isSet(key::doRecursion);
   }

@@ -18,8 +18,6 @@ namespace key = argument_keys::SKWValuesForLabel;
 using Items = std::vector<Value>;
 
 class SKWValuesForLabel final : public core::Command {
-  void check() override { requireList(directParameter()); }
-
   std::optional<Value> compute() override {
     const Items labels = labelsFrom(*directParameter(), kDirectParameter);
     const auto records = recordsArgument(evaluatedArguments(), key::inRecords);

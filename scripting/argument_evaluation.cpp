@@ -5,14 +5,15 @@
 #include <cstdint>
 #include <limits>
 #include <optional>
-#include <string_view>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "core/pack.h"
 #include "core/script_error.h"
 #include "core/unpack.h"
-#include "foundation/encoding/code_text.h"
-#include "foundation/text/text_encoding.h"
+#include "scripting/dictionary/kind_words.h"
+#include "scripting/refusal.h"
 
 namespace skerrow::scripting {
 
@@ -20,36 +21,14 @@ using namespace literals;
 
 namespace {
 
-struct KindWords {
-  Kinds kind;
-  std::string_view one;
-  std::string_view many;
-};
+using core::ErrorEntry;
+using core::ScriptError;
+namespace number_of = core::scripting_error;
 
-constexpr KindWords kKindWords[] = {
-    {Kinds::any, "any value", "values"},
-    {Kinds::text, "a text", "texts"},
-    {Kinds::integer, "an integer", "integers"},
-    {Kinds::real, "a real number", "real numbers"},
-    {Kinds::boolean, "true or false", "booleans"},
-    {Kinds::date, "a date", "dates"},
-    {Kinds::file, "a file", "files"},
-    {Kinds::record, "a record", "records"},
-    {Kinds::type, "a class", "classes"},
-    {Kinds::enumeration, "a constant", "constants"},
-    {Kinds::data, "raw data", "pieces of raw data"},
-    {Kinds::script, "a script", "scripts"},
-};
-
-std::string joined(Kinds kinds, std::string_view KindWords::*words) {
-  std::string text;
-  for (const KindWords& entry : kKindWords) {
-    if (!contains(kinds, entry.kind)) continue;
-    if (!text.empty()) text += " or ";
-    text += entry.*words;
-  }
-  return text;
-}
+constexpr ErrorEntry kUnknownArgument = {number_of::kUnknownArgument, "%@ has no argument “%@”."};
+constexpr ErrorEntry kWrongArgument = {number_of::kWrongKind, "“%@” takes %@, not %@."};
+constexpr ErrorEntry kWrongDirectParameter = {number_of::kWrongKind,
+                                              "The direct parameter must be %@, not %@."};
 
 // An integer of 32 bits, or a real that is one.
 std::optional<Number> wholeNumber(const ScriptValue& value) {
@@ -84,6 +63,15 @@ bool isBoolean(FourCharCode type) {
   return type == "true"_code || type == "fals"_code || type == "bool"_code;
 }
 
+bool isRealType(FourCharCode type) {
+  return type == "doub"_code || type == "sing"_code || type == "ldbl"_code;
+}
+
+// The name of a class or of a property.
+bool isName(const ScriptValue& value) {
+  return value.type() == "prop"_code || (value.namedCode() && !value.isMissingValue());
+}
+
 // The value in its plain shape; nothing when it is of none of these kinds.
 std::optional<Value> plainValue(Kinds kinds, const ScriptValue& value) {
   const FourCharCode type = value.type();
@@ -95,8 +83,8 @@ std::optional<Value> plainValue(Kinds kinds, const ScriptValue& value) {
       (contains(kinds, Kinds::date) && type == "ldt "_code) ||
       (contains(kinds, Kinds::file) && core::isFileType(type)) ||
       (contains(kinds, Kinds::data) && type == "rdat"_code) ||
-      (contains(kinds, Kinds::type) && value.namedCode() && !value.isMissingValue());
-  const bool staysReal = contains(kinds, Kinds::real) && type == "doub"_code;
+      (contains(kinds, Kinds::type) && isName(value));
+  const bool staysReal = contains(kinds, Kinds::real) && isRealType(type);
   if (contains(kinds, Kinds::integer) && !staysReal) {
     if (const auto number = wholeNumber(value)) return Value(*number);
   }
@@ -111,93 +99,85 @@ std::optional<Value> plainValue(Kinds kinds, const ScriptValue& value) {
   return std::nullopt;
 }
 
+// Why a value is refused, of which a damaged one is a sort of its own.
+std::string refusedInWords(const ScriptValue& value) {
+  const bool isDamaged = core::isNumberType(value.type()) && !core::numberFromScriptValue(value);
+  return kindInWords(value) + (isDamaged ? " with damaged data" : "");
+}
+
+// What an argument takes; said in full where an integer is refused for its size.
+std::string takenInWords(const TypeEntry& type, Kinds kinds, const ScriptValue& refused) {
+  const auto number = core::numberFromScriptValue(refused);
+  const bool isTooLarge =
+      contains(kinds, Kinds::integer) && number && !number->isReal() && !isBoolean(refused.type());
+  return std::string(type.inWords) + (isTooLarge ? " of 32 bits" : "");
+}
+
 [[noreturn]] void refuse(const ArgumentEntry& argument, const std::string& takes,
                          const std::string& given) {
-  throw core::ScriptError(
-      core::scripting_error::kWrongKind,
-      "“" + std::string(argument.key) + "” takes " + takes + ", not " + given + ".");
+  if (argument.key.empty()) throw ScriptError(kWrongDirectParameter, takes, given);
+  throw ScriptError(kWrongArgument, argument.key, takes, given);
 }
 
-// An integer of more than 32 bits, where an integer is taken.
-bool isLargeInteger(Kinds kinds, const ScriptValue& refused) {
-  const auto number = core::numberFromScriptValue(refused);
-  return contains(kinds, Kinds::integer) && number && !number->isReal() &&
-         !isBoolean(refused.type());
-}
-
-[[noreturn]] void refuse(const ArgumentEntry& argument, const ScriptValue& value) {
-  const bool isTooLarge = isLargeInteger(argument.single, value);
-  const bool isDamaged = core::isNumberType(value.type()) && !core::numberFromScriptValue(value);
-  refuse(argument, isTooLarge ? "an integer of 32 bits" : kindsInWords(argument),
-         kindInWords(value) + (isDamaged ? " with damaged data" : ""));
-}
-
-Value givenItems(const ArgumentEntry& argument, const ScriptValue& list) {
-  const auto taken =
-      contains(argument.items, Kinds::any) ? std::span<const ScriptValue>() : list.items();
-  for (const ScriptValue& item : taken) {
-    if (!plainValue(argument.items, item)) {
-      refuse(argument,
-             isLargeInteger(argument.items, item) ? "a list of integers of 32 bits"
-                                                  : kindsInWords(argument),
-             "a list with " + kindInWords(item));
+// Refuses what an argument cannot take, lists item by item.
+std::optional<Value> checked(const ArgumentEntry& argument, const ScriptValue& value) {
+  const TypeEntry& type = argument.type;
+  if (type.items == Kinds::none || value.type() != "list"_code) {
+    auto plain = plainValue(type.single, value);
+    if (!plain) {
+      refuse(argument, takenInWords(type, type.single, value), refusedInWords(value));
     }
+    return plain;
   }
-  return core::unpackListShallow(list);
+  if (contains(type.items, Kinds::any)) return std::nullopt;
+  for (const ScriptValue& item : value.items()) {
+    if (plainValue(type.items, item)) continue;
+    refuse(argument, takenInWords(type, type.items, item), "a list with " + kindInWords(item));
+  }
+  return std::nullopt;
+}
+
+// The direct parameter arrives as it was given, records of every class among them.
+void checkDirect(const ArgumentEntry& argument, const ScriptValue& value) {
+  if (contains(argument.type.single, Kinds::record) && value.hasFields()) return;
+  checked(argument, value);
+}
+
+void requireGiven(const ArgumentEntry& argument) {
+  if (argument.askedBy != AskedBy::scriptingLayer) return;
+  refuseMissing(core::ArgumentKey(argument.key), argument.type.inWords);
 }
 
 }  // namespace
 
-std::string kindsInWords(const ArgumentEntry& argument) {
-  std::string text = joined(argument.single, &KindWords::one);
-  if (argument.items == Kinds::none) return text;
-  if (!text.empty()) text += ", or ";
-  text += "a list";
-  if (!contains(argument.items, Kinds::any))
-    text += " of " + joined(argument.items, &KindWords::many);
-  return text;
-}
-
-std::string kindInWords(const ScriptValue& value) {
-  const FourCharCode type = value.type();
-  if (core::isTextType(type)) return "a text";
-  if (isBoolean(type)) return "a boolean";
-  if (const auto number = core::numberFromScriptValue(value)) {
-    return (number->isReal() ? "the real number " : "the integer ") + core::textFrom(*number);
-  }
-  if (type == "list"_code) return "a list";
-  if (value.type() == "reco"_code) return "a record";
-  if (value.hasFields()) {
-    return "a record of the class “" + foundation::utf8FromUtf16(foundation::textFromCode(type)) +
-           "”";
-  }
-  if (value.isMissingValue() || type == "msng"_code) return "missing value";
-  if (type == "null"_code) return "the null value";
-  if (type == "ldt "_code) return "a date";
-  if (core::isFileType(type)) return "a file";
-  if (type == "type"_code) return "a class";
-  if (type == "enum"_code) return "a constant";
-  if (type == "rdat"_code) return "raw data";
-  if (type == "scpt"_code) return "a script";
-  return "a value of type “" + foundation::utf8FromUtf16(foundation::textFromCode(type)) + "”";
-}
-
 Value evaluateArgument(const ArgumentEntry& argument, const ScriptValue& value) {
-  if (argument.items != Kinds::none && value.type() == "list"_code) {
-    if (argument.arrival == Arrival::list) return givenItems(argument, value);
-    return value;
+  std::optional<Value> plain = checked(argument, value);
+  if (argument.arrival == Arrival::plain && plain) return std::move(*plain);
+  if (argument.arrival != Arrival::list) return value;
+  if (value.type() == "list"_code) return core::unpackListShallow(value);
+  return std::vector<Value>{Value(value)};
+}
+
+core::Arguments evaluateArguments(const CommandEntry& command, const Event& event) {
+  for (const auto& [key, value] : event.arguments) {
+    if (command.argument(key) == nullptr) throw ScriptError(kUnknownArgument, command.name, key);
   }
-  auto plain = plainValue(argument.single, value);
-  if (!plain) refuse(argument, value);
-  switch (argument.arrival) {
-    case Arrival::plain:
-      return std::move(*plain);
-    case Arrival::list:
-      return std::vector<Value>{Value(value)};
-    case Arrival::given:
-      break;
+  const ArgumentEntry* direct = command.directParameter;
+  if (direct != nullptr && !event.directParameter) requireGiven(*direct);
+  for (const ArgumentEntry& argument : command.arguments) {
+    const auto given =
+        std::ranges::find(event.arguments, argument.key, &EventArguments::value_type::first);
+    if (given == event.arguments.end()) requireGiven(argument);
   }
-  return value;
+  if (direct != nullptr && event.directParameter && direct->askedBy != AskedBy::command) {
+    checkDirect(*direct, *event.directParameter);
+  }
+  core::Arguments arguments;
+  for (const auto& [key, value] : event.arguments) {
+    const ArgumentEntry& argument = *command.argument(key);
+    arguments.set(core::ArgumentKey(argument.key), evaluateArgument(argument, value));
+  }
+  return arguments;
 }
 
 }  // namespace skerrow::scripting

@@ -1,24 +1,23 @@
 #pragma once
-// Evaluating arguments: each value that a script gave is held against the kinds
-// that its argument is declared to take, and brought into the shape in which the
-// command finds it.
+// Evaluating arguments: what a script gave is held against what a command is declared
+// to take, and brought into the shape in which the command finds it. What does not fit
+// is refused with a message that names it, before the command sees anything.
 
-#include <string>
-
-#include "scripting/dictionary.h"
+#include "core/command.h"
+#include "scripting/dictionary/dictionary.h"
+#include "scripting/event.h"
 #include "values/script_value.h"
 #include "values/value.h"
 
 namespace skerrow::scripting {
 
-/// Throws ScriptError -1700, its message naming the argument, what it takes and
-/// what was given, for a value of a kind that the argument cannot take.
+/// Refuses, in this order, with a ScriptError: an argument that the command does not
+/// have (-1701); one that it needs and that is missing, the direct parameter first
+/// (-1715), unless the command asks for it itself; a value of a kind that its argument
+/// cannot take (-1700).
+core::Arguments evaluateArguments(const CommandEntry& command, const Event& event);
+
+/// One argument; throws ScriptError -1700.
 Value evaluateArgument(const ArgumentEntry& argument, const ScriptValue& value);
-
-/// "an integer", "true or false", "a list of texts": what an argument takes.
-std::string kindsInWords(const ArgumentEntry& argument);
-
-/// "a text", "missing value", "a list": what a value is, for messages.
-std::string kindInWords(const ScriptValue& value);
 
 }  // namespace skerrow::scripting

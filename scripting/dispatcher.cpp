@@ -18,19 +18,6 @@ using core::ScriptError;
 constexpr core::ErrorEntry kTimedOut = {core::scripting_error::kTimedOut, "AppleEvent timed out."};
 constexpr core::ErrorEntry kUnknownCommand = {core::scripting_error::kUnknownCommand,
                                               "There is no command “%@”."};
-constexpr core::ErrorEntry kUnknownArgument = {core::scripting_error::kUnknownArgument,
-                                               "%@ has no argument “%@”."};
-
-core::Arguments evaluated(const CommandEntry& command, const EventArguments& given) {
-  core::Arguments arguments;
-  for (const auto& [key, value] : given) {
-    const ArgumentEntry* argument = command.argument(key);
-    if (argument == nullptr) throw ScriptError(kUnknownArgument, command.className, key);
-    arguments.set(core::ArgumentKey(argument->key), evaluateArgument(*argument, value));
-  }
-  return arguments;
-}
-
 }  // namespace
 
 // Commands may resume when the dispatcher is gone: they hold it weakly.
@@ -71,7 +58,7 @@ Dispatcher::~Dispatcher() {
 std::shared_ptr<core::Command> Dispatcher::State::prepared(EventId event, Event&& given) {
   const CommandEntry* entry = dictionary.command(given.command);
   if (entry == nullptr) throw ScriptError(kUnknownCommand, given.command);
-  core::Arguments arguments = evaluated(*entry, given.arguments);
+  core::Arguments arguments = evaluateArguments(*entry, given);
   const auto position = static_cast<std::size_t>(entry - dictionary.commands.data());
   std::shared_ptr<core::Command> command = classes[position]();
   command->prepare(std::move(given.directParameter), std::move(arguments), context,

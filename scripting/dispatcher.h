@@ -12,7 +12,7 @@
 
 #include "core/command.h"
 #include "core/main_loop.h"
-#include "scripting/dictionary.h"
+#include "scripting/dictionary/dictionary.h"
 #include "scripting/event.h"
 
 namespace skerrow::scripting {

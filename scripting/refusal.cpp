@@ -3,7 +3,7 @@
 #include <string>
 
 #include "core/script_error.h"
-#include "scripting/argument_evaluation.h"
+#include "scripting/dictionary/kind_words.h"
 
 namespace skerrow::scripting {
 
@@ -14,8 +14,9 @@ using core::ScriptError;
 using core::scripting_error::kWrongKind;
 
 constexpr ErrorEntry kNotOfKind = {kWrongKind, "The %@ must be %@, not %@."};
+constexpr ErrorEntry kMissing = {core::scripting_error::kMissingArgument,
+                                 "%@ is missing; it takes %@."};
 constexpr ErrorEntry kItemNotOfKind = {kWrongKind, "The items of the %@ must be %@, not %@."};
-constexpr ErrorEntry kMissing = {kWrongKind, "The %@ must be %@, and it is missing."};
 
 std::string named(core::ArgumentKey parameter) {
   if (parameter == kDirectParameter) return "direct parameter";
@@ -28,12 +29,15 @@ void refuseKind(core::ArgumentKey parameter, std::string_view needed, const Scri
   throw ScriptError(kNotOfKind, named(parameter), needed, kindInWords(given));
 }
 
-void refuseItem(core::ArgumentKey parameter, std::string_view needed, const ScriptValue& given) {
-  throw ScriptError(kItemNotOfKind, named(parameter), needed, kindInWords(given));
+void refuseMissing(core::ArgumentKey parameter, std::string_view taken) {
+  const bool isDirect = parameter == kDirectParameter;
+  throw ScriptError(kMissing,
+                    isDirect ? "The direct parameter" : "“" + std::string(parameter.text()) + "”",
+                    taken);
 }
 
-void refuseMissing(core::ArgumentKey parameter, std::string_view needed) {
-  throw ScriptError(kMissing, named(parameter), needed);
+void refuseItem(core::ArgumentKey parameter, std::string_view needed, const ScriptValue& given) {
+  throw ScriptError(kItemNotOfKind, named(parameter), needed, kindInWords(given));
 }
 
 }  // namespace skerrow::scripting

@@ -74,7 +74,6 @@ class SKWCleanString final : public core::Command {
   enum class Choice { absent, yes, no };
 
   void check() override {
-    if (!directParameter()) refuseMissing(kDirectParameter, "a text, a list or a file");
     lineFeeds_ = choice(key::LFLikeCR) == Choice::yes ? LineFeeds::becomeReturns : LineFeeds::kept;
     tabs_ = choice(key::tabsLikeSpaces) == Choice::yes ? Tabs::becomeSpaces : Tabs::kept;
     isRemovingTags_ = choice(key::tagsRemoved) == Choice::yes;

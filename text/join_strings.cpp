@@ -55,10 +55,7 @@ std::string_view kindName(const Value& item) {
 
 class SKWJoinStrings final : public core::Command {
   void check() override {
-    const auto& direct = directParameter();
-    if (!direct) refuseMissing(kDirectParameter, "a list");
-    if (direct->type() != "list"_code) refuseKind(kDirectParameter, "a list", *direct);
-    if (direct->items().empty()) {
+    if (directParameter()->items().empty()) {
       answerAtOnce(Text());
       return;
     }

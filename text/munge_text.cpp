@@ -108,7 +108,6 @@ class SKWMungeText final : public core::Command {
   static std::span<const Modification> modifications();
 
   void check() override {
-    if (!directParameter()) refuseMissing(kDirectParameter, "a text, a list or a file");
     const core::Arguments& arguments = evaluatedArguments();
     if (const Value* options = arguments.find(key::stringMungeOption)) readOptions(*options);
     if (const auto given = textArgument(arguments.find(key::padString))) padString_ = *given;

@@ -37,19 +37,13 @@ Text addressOfReadableFile(const ScriptValue& file, const platform::FileContents
 class SKWReplaceString final : public core::Command {
   void check() override {
     const core::Arguments& arguments = evaluatedArguments();
-    const auto& direct = directParameter();
-    const std::optional<Text> sought =
-        direct ? core::textFromScriptValue(*direct) : std::optional<Text>();
-    if (direct && !sought) refuseKind(kDirectParameter, "a text", *direct);
     replacement_ = textArgument(arguments.find(key::replacementPattern));
-    const Value* searched = arguments.find(key::stringToSearch);
     isOnlyFirst_ = arguments.isSet(key::onlyFirst);
     isOnlyLast_ = arguments.isSet(key::onlyLast);
     if (isOnlyFirst_ && isOnlyLast_) throw ScriptError(kFirstAndLast);
-    if (searched == nullptr) refuseMissing(key::stringToSearch, "a text, a list or a file");
-    searched_ = searched->raw();
+    searched_ = arguments.find(key::stringToSearch)->raw();
     search_.emplace(
-        sought.value_or(Text()).view(),
+        core::textFromScriptValue(*directParameter())->view(),
         foundation::FoldingOptions{.caseInsensitive = !arguments.isSet(key::caseMatters),
                                    .diacriticInsensitive = arguments.isSet(key::diacriticalFlag)});
   }

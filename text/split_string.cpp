@@ -15,6 +15,8 @@
 #include "core/script_error.h"
 #include "foundation/collation/text_search.h"
 #include "foundation/text/code_points.h"
+#include "scripting/dictionary/kind_words.h"
+#include "scripting/refusal.h"
 #include "text/text_input.h"
 
 namespace skerrow::text {
@@ -36,7 +38,6 @@ constexpr ErrorEntry kLastByCharacter = {
     1132, "The 'only last' option can't be used with the 'by character' option."};
 constexpr ErrorEntry kFirstAndLast = {
     1132, "The 'only last' option can't be used with the 'only first' option."};
-constexpr ErrorEntry kNoSeparator = {1132, "You must provide the 'at' parameter."};
 
 // Separators that are single characters.
 class CharacterSet {
@@ -101,7 +102,9 @@ class SKWSplitString final : public core::Command {
     if (isOnlyFirst_ && isByCharacter) throw ScriptError(kFirstByCharacter);
     if (isOnlyLast_ && isByCharacter) throw ScriptError(kLastByCharacter);
     if (isOnlyLast_ && isOnlyFirst_) throw ScriptError(kFirstAndLast);
-    if (!separator) throw ScriptError(kNoSeparator);
+    if (!separator) {
+      scripting::refuseMissing(key::splittingString, wordsOf(scripting::Kinds::text).one);
+    }
     if (isByCharacter) {
       separators_.emplace(separator->view());
     } else {

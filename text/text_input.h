@@ -10,15 +10,10 @@
 #include "core/cancel_token.h"
 #include "core/script_error.h"
 #include "platform/file_contents.h"
-#include "scripting/refusal.h"
 #include "values/script_value.h"
 #include "values/value.h"
 
 namespace skerrow::text {
-
-using scripting::kDirectParameter;
-using scripting::refuseKind;
-using scripting::refuseMissing;
 
 /// The text of the file that a file reference names. A file that cannot be read
 /// throws ScriptError with this number and the reason as its message.

@@ -19,6 +19,7 @@ ROWS = [
     ["text/regex"],
     ["scripting/json"],
     ["scripting"],
+    ["scripting/dictionary"],
     ["core"],
     ["foundation/predicate"],
     ["foundation/key_path"],

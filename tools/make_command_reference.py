@@ -5,31 +5,15 @@ With --check nothing is written: it exits with 1 when the page is not what the d
 """
 
 import sys
-import xml.etree.ElementTree as ElementTree
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
 DICTIONARY = ROOT / "scripting/Skerrow.sdef"
 PAGE = ROOT / "docs/commands.md"
 
-sys.path.insert(0, str(DICTIONARY.parent))
-from generate_dictionary import Malformed, attribute, cocoa, types_of  # noqa: E402
-
-# A type of the definition as one value and as several, in the words of “skerrow commands”.
-WORDS = {
-    "any": ("any value", "values"),
-    "text": ("a text", "texts"),
-    "integer": ("an integer", "integers"),
-    "real": ("a real number", "real numbers"),
-    "number": ("an integer or a real number", "integers or real numbers"),
-    "boolean": ("true or false", "booleans"),
-    "date": ("a date", "dates"),
-    "file": ("a file", "files"),
-    "record": ("a record", "records"),
-    "type": ("a class", "classes"),
-    "raw data": ("raw data", "pieces of raw data"),
-    "script": ("a script", "scripts"),
-}
+sys.path.insert(0, str(ROOT / "scripting/dictionary"))
+sys.dont_write_bytecode = True
+from definition import Malformed, read  # noqa: E402
 
 INTRODUCTION = """\
 # Commands
@@ -37,21 +21,16 @@ INTRODUCTION = """\
 <!-- Made from scripting/Skerrow.sdef by “make docs”; changes here are lost. -->
 
 Every command, with its arguments. The same stands in `skerrow commands NAME`. Values are written
-as [typed JSON](typed-json.md). An argument may be left out unless it says “required”.
+as [typed JSON](typed-json.md). What does not say “required” may be left out.
 """
 
 
-def kinds(element, enumerations):
-    """“an integer”, “a text, or a list of texts”: what an element takes or gives."""
-    single, items = [], []
-    for name, isList in types_of(element):
-        one, many = WORDS.get(name, (f"one of [{name}](#{anchor(name)})", f"[{name}](#{anchor(name)})"))
-        if name not in WORDS and name not in enumerations:
-            raise Malformed(f"there is no type “{name}”")
-        (items if isList else single).append(many if isList else one)
-    if items:
-        single.append("a list" if items == ["values"] else f"a list of {' or '.join(items)}")
-    return ", or ".join(single)
+def kinds(type):
+    """“an integer”, “a text, or a list of texts”: what an argument takes or gives."""
+    if type.enumeration is None:
+        return type.in_words()
+    link = f"[{type.enumeration.words}](#{anchor(type.enumeration.words)})"
+    return type.in_words(f"one of {link}", link)
 
 
 def anchor(heading):
@@ -74,48 +53,68 @@ def table(heads, rows):
     yield ""
 
 
-def commandLines(command, enumerations):
-    yield f"### {attribute(command, 'name')}\n"
-    yield f"`{cocoa(command, 'class')}`. {sentence(command.get('description', ''))}\n"
-    for tag, words in (("direct-parameter", "Direct parameter"), ("result", "Result")):
-        found = command.find(tag)
-        if found is not None:
-            text = f"{kinds(found, enumerations)}: {found.get('description', '')}."
-            yield f"- {words}: {cell(text)}"
+def required(argument):
+    return "" if argument.is_optional else " (required)"
+
+
+def commandLines(command):
+    yield f"### {command.words}\n"
+    yield f"`{command.name}`. {sentence(command.description)}\n"
+    if command.direct is not None:
+        text = f"{kinds(command.direct.type)}{required(command.direct)}: {command.direct.description}."
+        yield f"- Direct parameter: {cell(text)}"
+    if command.result is not None:
+        yield f"- Result: {cell(f'{kinds(command.result.type)}: {command.result.description}.')}"
     yield ""
-    parameters = command.findall("parameter")
-    if parameters:
+    if command.arguments:
         yield from table(
             ("Argument", "In words", "Takes", "What it does"),
-            [(f"`{cocoa(one, 'key')}`", attribute(one, "name"),
-              kinds(one, enumerations) + ("" if one.get("optional") == "yes" else " (required)"),
-              sentence(one.get("description", ""))) for one in parameters])
+            [(f"`{one.key}`", one.words, kinds(one.type) + required(one), sentence(one.description))
+             for one in command.arguments])
 
 
 def enumerationLines(enumeration):
-    yield f"### {attribute(enumeration, 'name')}\n"
+    yield f"### {enumeration.words}\n"
     yield from table(
         ("Constant", "Code", "Meaning"),
-        [(attribute(one, "name"), f"`{attribute(one, 'code')}`", sentence(one.get("description", "")))
-         for one in enumeration.findall("enumerator")])
+        [(one.words, f"`{one.code}`", sentence(one.description)) for one in enumeration.enumerators])
 
 
-def page(root):
-    enumerations = {attribute(one, "name"): one for one in root.iter("enumeration")}
+ACCESS = {"r": "read", "w": "set", "rw": "read, set"}
+
+
+def classLines(one):
+    yield f"### {one.words}\n"
+    yield f"`{one.name}`. {sentence(one.description)}\n"
+    if one.properties:
+        yield from table(
+            ("Property", "In words", "Is", "Can be", "What it is"),
+            [(f"`{each.key}`", each.words, kinds(each.type), ACCESS[each.access],
+              sentence(each.description)) for each in one.properties])
+    if one.elements:
+        yield from table(
+            ("Elements", "Of class", "Named by"),
+            [(f"`{each.key}`", f"[{each.of_class}](#{anchor(each.of_class)})",
+              ", ".join(each.accessors)) for each in one.elements])
+
+
+def page(definition):
     yield INTRODUCTION
-    for suite in root.findall("suite"):
-        yield f"## {attribute(suite, 'name')}\n"
-        yield f"{sentence(suite.get('description', ''))}\n"
-        for command in suite.findall("command"):
-            yield from commandLines(command, enumerations)
-        for enumeration in suite.findall("enumeration"):
+    for suite in definition.suites:
+        yield f"## {suite.words}\n"
+        yield f"{sentence(suite.description)}\n"
+        for command in suite.commands:
+            yield from commandLines(command)
+        for one in suite.classes:
+            yield from classLines(one)
+        for enumeration in suite.enumerations:
             yield from enumerationLines(enumeration)
 
 
 def main(arguments):
     try:
-        text = "\n".join(page(ElementTree.parse(DICTIONARY).getroot())).rstrip("\n") + "\n"
-    except (Malformed, ElementTree.ParseError, OSError) as problem:
+        text = "\n".join(page(read(DICTIONARY))).rstrip("\n") + "\n"
+    except Malformed as problem:
         sys.exit(f"{DICTIONARY}: {problem}")
     if arguments == ["--check"]:
         if not PAGE.exists() or PAGE.read_text(encoding="utf-8") != text:

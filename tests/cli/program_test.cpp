@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "scripting/dictionary.h"
+#include "scripting/dictionary/dictionary.h"
 #include "tests/support/program.h"
 #include "tests/support/scratch_folder.h"
 
@@ -215,14 +215,14 @@ TEST(Commands, ListsEveryCommandByClassAndWords) {
   const ProgramEnd end = run({"commands"});
   expectOutput(end, end.output);
   for (const auto& command : scripting::skerrowDictionary().commands) {
-    EXPECT_THAT(end.output, HasSubstr(std::string(command.className)));
+    EXPECT_THAT(end.output, HasSubstr(std::string(command.name)));
     EXPECT_THAT(end.output, HasSubstr(std::string(command.words)));
   }
 }
 
 TEST(Commands, ShowsEveryArgumentOfACommandByItsClassOrWords) {
   for (const auto& command : scripting::skerrowDictionary().commands) {
-    const ProgramEnd end = run({"commands", std::string(command.className)});
+    const ProgramEnd end = run({"commands", std::string(command.name)});
     expectOutput(end, end.output);
     for (const auto& argument : command.arguments) {
       EXPECT_THAT(end.output, HasSubstr("\n  " + std::string(argument.key) + " ("));

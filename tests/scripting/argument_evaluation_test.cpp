@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "core/script_error.h"
+#include "scripting/dictionary/kind_words.h"
 #include "tests/scripting/test_commands.h"
 #include "tests/support/building.h"
 #include "tests/support/describe.h"
@@ -87,7 +88,12 @@ TEST(EvaluateArgument, PlainKindsArriveUnpacked) {
 
 // A number stays the number that was given where reals are welcome too.
 TEST(EvaluateArgument, AWholeRealStaysARealWhereRealsAreTaken) {
-  EXPECT_EQ(evaluated("number", ScriptValue::real(3.0)), "real 3");
+  for (const ScriptValue& three : {ScriptValue::real(3.0), plain<float>("sing"_code, 3.0F),
+                                   plain<long double>("ldbl"_code, 3.0L)}) {
+    EXPECT_EQ(evaluated("number", three), "real 3");
+    EXPECT_EQ(evaluated("real", three), "real 3");
+    EXPECT_EQ(evaluated("integer", three), "signed32 3");
+  }
 }
 
 TEST(EvaluateArgument, EnumeratorsArriveAsTheirCodesGivenAsSuchOrAsIntegers) {
@@ -163,9 +169,9 @@ const RefusalRow kRefusalRows[] = {
     {"dateOrText", "a text or a date"},
 };
 
-TEST(KindsInWords, NamesEverythingThatAnArgumentTakes) {
-  for (const RefusalRow& row : kRefusalRows) EXPECT_EQ(kindsInWords(argument(row.key)), row.takes);
-  EXPECT_EQ(kindsInWords(argument("anything")), "any value");
+TEST(TypesInWords, NameEverythingThatAnArgumentTakes) {
+  for (const RefusalRow& row : kRefusalRows) EXPECT_EQ(argument(row.key).type.inWords, row.takes);
+  EXPECT_EQ(argument("anything").type.inWords, "any value");
 }
 
 // A value of each kind, in words, with the arguments that take it.

@@ -151,6 +151,44 @@ TEST_F(DispatcherTest, RefusesWhatTheDictionaryDoesNotHold) {
   for (const ReplyRow& row : rows) EXPECT_EQ(perform(row.event), row.reply) << row.about;
 }
 
+TEST_F(DispatcherTest, AsksForWhatIsRequired) {
+  const ScriptValue direct = scriptText(u"a");
+  const EventArguments texts = {{"texts", ScriptValue::list({})}};
+  const EventArguments all = {{"asked", ScriptValue::integer32(1)}, texts[0]};
+  const auto insist = [](const std::optional<ScriptValue>& given, EventArguments arguments) {
+    Event made = event("TestInsist", std::move(arguments));
+    made.directParameter = given;
+    return made;
+  };
+  const ReplyRow rows[] = {
+      {"everything there", insist(direct, all), "'utxt' “all there”"},
+      {"no direct parameter", insist(std::nullopt, all),
+       "error -1715 The direct parameter is missing; it takes a text or a record."},
+      {"no argument", insist(direct, {}),
+       "error -1715 “texts” is missing; it takes a list of texts."},
+      {"nothing", insist(std::nullopt, {}),
+       "error -1715 The direct parameter is missing; it takes a text or a record."},
+      {"what the command asks for itself", insist(direct, texts), "error 2005 Asked."},
+      {"an unknown argument comes first", insist(std::nullopt, {{"nope", direct}}),
+       "error -1701 TestInsist has no argument “nope”."},
+      {"a wrong kind comes later", insist(direct, {{"asked", direct}}),
+       "error -1715 “texts” is missing; it takes a list of texts."},
+      {"given as missing value it is of a wrong kind", insist(direct, {{"texts", ScriptValue()}}),
+       "error -1700 “texts” takes a list of texts, not missing value."},
+      {"a direct parameter of a wrong kind", insist(ScriptValue::integer32(5), all),
+       "error -1700 The direct parameter must be a text or a record, not the integer 5."},
+      {"a direct parameter that is missing value", insist(ScriptValue(), all),
+       "error -1700 The direct parameter must be a text or a record, not missing value."},
+      {"a direct parameter that is a record of another class",
+       insist(ScriptValue::record("cobj"_code, {}), all), "'utxt' “all there”"},
+      {"a direct parameter that the command asks for", event("TestAsk"), "error 2006 No text."},
+      {"and that is of a wrong kind", eventWith("TestAsk", ScriptValue::integer32(5)),
+       "error 2006 No text."},
+      {"an action", event("shutShop"), "nothing"},
+  };
+  for (const ReplyRow& row : rows) EXPECT_EQ(perform(row.event), row.reply) << row.about;
+}
+
 TEST_F(DispatcherTest, RefusesBeforeItReturns) {
   send("unknown", event("TestNothing"));
   EXPECT_EQ(replies_["unknown"].size(), 1U);

@@ -24,8 +24,8 @@ struct Outcome {
 
 Outcome generate(const ScratchFolder& folder, const std::string& definition) {
   const std::string path = folder.write("Faulty.sdef", definition);
-  const auto generator =
-      std::filesystem::path(SKERROW_CASES) / ".." / ".." / "scripting" / "generate_dictionary.py";
+  const auto generator = std::filesystem::path(SKERROW_CASES) / ".." / ".." / "scripting" /
+                         "dictionary" / "generate_dictionary.py";
   const std::string command = "python3 -B '" + generator.string() + "' '" + path + "' --tables '" +
                               folder.path("tables.cpp") + "' --classes '" +
                               folder.path("classes.cpp") + "' --keys '" + folder.path("keys") +
@@ -113,6 +113,110 @@ TEST(DictionaryGenerator, SaysWhatIsWrongWithADefinitionAndWritesNothing) {
       {"a class that is no name",
        inDictionary(R"(<command name="a" code="TESTaaaa"><cocoa class="../A"/></command>)"),
        "the class “../A” cannot be a name: it needs letters and digits"},
+      {"a required argument with a number that is none",
+       command(
+           R"(<parameter name="a" code="aaaa" type="text"><cocoa key="key"/><missing number="x"/>
+                  </parameter>)"),
+       "<missing> of “a” needs a number"},
+      {"an optional argument with a number for when it is missing",
+       command(R"(<parameter name="a" code="aaaa" type="text" optional="yes"><cocoa key="key"/>
+                  <missing number="5"/></parameter>)"),
+       "“a” is optional and has a number for when it is missing"},
+      {"neither optional nor not",
+       command(parameter(R"(name="a" code="aaaa" type="text" optional="maybe")")),
+       "<parameter> cannot have optional=\"maybe\", only yes, no"},
+      {"two enumerations at once",
+       inDictionary(R"(<enumeration name="c" code="cccc"/><enumeration name="d" code="dddd"/>
+                       <command name="do it" code="TESTdoit"><cocoa class="DoIt"/>
+                         <result><type type="c"/><type type="d" list="yes"/></result></command>)"),
+       "<result> cannot be of “c” and “d” at once"},
+      {"one word with two codes in two commands",
+       inDictionary(R"(<command name="do it" code="TESTdoit"><cocoa class="DoIt"/>
+                         <parameter name="by" code="byOn" type="text"><cocoa key="key"/></parameter>
+                       </command>
+                       <command name="undo it" code="TESTundo"><cocoa class="UndoIt"/>
+                         <parameter name="By" code="byTw" type="text"><cocoa key="key"/></parameter>
+                       </command>)"),
+       "“By” has the code “byOn” in “do it” and “byTw” in “undo it”; one word has one code"},
+      {"one code for two words in two commands",
+       inDictionary(R"(<command name="do it" code="TESTdoit"><cocoa class="DoIt"/>
+                         <parameter name="by" code="byOn" type="text"><cocoa key="key"/></parameter>
+                       </command>
+                       <command name="undo it" code="TESTundo"><cocoa class="UndoIt"/>
+                         <parameter name="with" code="byOn" type="text"><cocoa key="key"/></parameter>
+                       </command>)"),
+       "the code “byOn” is “by” in “do it” and “with” in “undo it”; one code has one word"},
+      {"an enumerator with the code of a parameter",
+       inDictionary(R"(<enumeration name="c" code="cccc"><enumerator name="red" code="0x6279314E"/>
+                       </enumeration>
+                       <command name="do it" code="TESTdoit"><cocoa class="DoIt"/>
+                         <parameter name="by" code="by1N" type="text"><cocoa key="key"/></parameter>
+                       </command>)"),
+       "the code “0x6279314E” is “by” in “do it” and “red” of “c”; one code has one word"},
+      {"an enumerator with the word of a property",
+       inDictionary(R"(<enumeration name="c" code="cccc"><enumerator name="red" code="redC"/>
+                       </enumeration>
+                       <class name="thing" code="Thin"><cocoa class="Thing"/>
+                         <property name="red" code="redP" type="text"><cocoa key="red"/></property>
+                       </class>)"),
+       "“red” has the code “redC” of “c” and “redP” of “thing”; one word has one code"},
+      {"a class with the word of a parameter",
+       inDictionary(R"(<command name="do it" code="TESTdoit"><cocoa class="DoIt"/>
+                         <parameter name="by" code="byOn" type="text"><cocoa key="key"/></parameter>
+                       </command>
+                       <class name="by" code="Byby"><cocoa class="By"/></class>)"),
+       "“by” has the code “byOn” in “do it” and “Byby” as a class; one word has one code"},
+      {"a plural with the word of a parameter",
+       inDictionary(R"(<command name="do it" code="TESTdoit"><cocoa class="DoIt"/>
+                         <parameter name="bys" code="byOn" type="text"><cocoa key="key"/></parameter>
+                       </command>
+                       <class name="by" code="Byby"><cocoa class="By"/></class>)"),
+       "“bys” is the plural of “by” and has the code “byOn” in “do it”; one word has one code"},
+      {"a command with the word of a parameter",
+       command(parameter(R"(name="do it" code="aaaa" type="text")")),
+       "“do it” is a command and has the code “aaaa” in “do it”; one word has one code"},
+      {"a class without a name in the program",
+       inDictionary(R"(<class name="thing" code="Thin"/>)"), "“thing” has no <cocoa class>"},
+      {"a class without a code", inDictionary(R"(<class name="thing"><cocoa class="T"/></class>)"),
+       "<class name=\"thing\"> has no code"},
+      {"two classes of one name",
+       inDictionary(R"(<class name="a" code="aaaa"><cocoa class="T"/></class>
+                       <class name="b" code="bbbb"><cocoa class="T"/></class>)"),
+       "the class “T” stands there twice"},
+      {"a base that is not there",
+       inDictionary(R"(<class name="a" code="aaaa" inherits="b"><cocoa class="T"/></class>)"),
+       "“a” inherits from “b”, which is not there"},
+      {"a class that is its own base",
+       inDictionary(R"(<class name="a" code="aaaa" inherits="b"><cocoa class="A"/></class>
+                       <class name="b" code="bbbb" inherits="a"><cocoa class="B"/></class>)"),
+       "“a” inherits from itself"},
+      {"a property of no type", inDictionary(R"(<class name="a" code="aaaa"><cocoa class="A"/>
+                         <property name="p" code="pppp"><cocoa key="p"/></property></class>)"),
+       "<property name=\"p\"> has no type"},
+      {"an access that there is not", inDictionary(R"(<class name="a" code="aaaa"><cocoa class="A"/>
+                         <property name="p" code="pppp" type="text" access="x"><cocoa key="p"/>
+                         </property></class>)"),
+       "<property> cannot have access=\"x\", only r, w, rw"},
+      {"the same key for a property and elements",
+       inDictionary(R"(<class name="a" code="aaaa"><cocoa class="A"/>
+                         <property name="p" code="pppp" type="text"><cocoa key="k"/></property>
+                         <element type="a"><cocoa key="k"/></element></class>)"),
+       "in “a” the key “k” stands there twice"},
+      {"elements of a class that is not there",
+       inDictionary(R"(<class name="a" code="aaaa"><cocoa class="A"/>
+                         <element type="b"><cocoa key="k"/></element></class>)"),
+       "there is no class “b” for an element"},
+      {"elements without a key",
+       inDictionary(R"(<class name="a" code="aaaa"><cocoa class="A"/><element type="a"/></class>)"),
+       "“a” has no <cocoa key>"},
+      {"a way of naming elements that there is not",
+       inDictionary(R"(<class name="a" code="aaaa"><cocoa class="A"/>
+                         <element type="a"><cocoa key="k"/><accessor style="colour"/></element>
+                       </class>)"),
+       "<accessor> cannot have style=\"colour\", only index, name, id, range, relative, test"},
+      {"the same enumeration twice",
+       inDictionary(R"(<enumeration name="c" code="cccc"/><enumeration name="c" code="cccc"/>)"),
+       "the enumeration “c” stands there twice"},
       {"the same class twice",
        inDictionary(R"(<command name="a" code="TESTaaaa"><cocoa class="A"/></command>
                        <command name="b" code="TESTbbbb"><cocoa class="A"/></command>)"),
@@ -150,6 +254,21 @@ TEST(DictionaryGenerator, NamesACodeThatBeginsLikeHexadecimalAndIsNone) {
   EXPECT_EQ(outcome.status, 1);
   EXPECT_TRUE(outcome.output.starts_with(folder.path("Faulty.sdef") + ": the code “0xABCDEFGH” "))
       << outcome.output;
+}
+
+TEST(DictionaryGenerator, LetsOneWordWithOneCodeStandInSeveralPlaces) {
+  const ScratchFolder folder;
+  const Outcome outcome = generate(
+      folder,
+      inDictionary(R"(<enumeration name="c" code="cccc"><enumerator name="name" code="0x6E616D65"/>
+                      </enumeration>
+                      <command name="do it" code="TESTdoit"><cocoa class="DoIt"/>
+                        <parameter name="Name" code="name" type="text"><cocoa key="key"/></parameter>
+                      </command>
+                      <class name="thing" code="Thin"><cocoa class="Thing"/>
+                        <property name="name" code="name" type="text"><cocoa key="name"/></property>
+                      </class>)"));
+  EXPECT_EQ(outcome.status, 0) << outcome.output;
 }
 
 TEST(DictionaryGenerator, LeavesAFileAloneThatWouldStayTheSame) {

@@ -6,6 +6,7 @@
 #include <thread>
 #include <utility>
 
+#include "argument_keys/TestInsist.h"
 #include "core/command.h"
 #include "core/script_error.h"
 #include "core/unpack.h"
@@ -36,6 +37,28 @@ class TestEcho final : public core::Command {
     }
     return Value(foundation::utf16FromUtf8Replacing(words));
   }
+};
+
+// Says what is not there.
+class TestInsist final : public core::Command {
+  void check() override {
+    if (!evaluatedArguments().has(argument_keys::TestInsist::asked)) {
+      throw core::ScriptError(2005, "Asked.");
+    }
+  }
+  std::optional<Value> compute() override { return Value(u"all there"); }
+};
+
+class TestAsk final : public core::Command {
+  std::optional<Value> compute() override {
+    const std::string text = textOf(directParameter());
+    if (text.empty()) throw core::ScriptError(2006, "No text.");
+    return Value(foundation::utf16FromUtf8Replacing(text));
+  }
+};
+
+class TestShutShop final : public core::Command {
+  std::optional<Value> compute() override { return std::nullopt; }
 };
 
 class TestBehave final : public core::Command {
@@ -96,6 +119,9 @@ class TestAnswerAtOnce final : public core::Command {
 }  // namespace
 
 std::unique_ptr<core::Command> createTestEcho() { return std::make_unique<TestEcho>(); }
+std::unique_ptr<core::Command> createTestInsist() { return std::make_unique<TestInsist>(); }
+std::unique_ptr<core::Command> createTestAsk() { return std::make_unique<TestAsk>(); }
+std::unique_ptr<core::Command> createShutShop() { return std::make_unique<TestShutShop>(); }
 std::unique_ptr<core::Command> createTestBehave() { return std::make_unique<TestBehave>(); }
 std::unique_ptr<core::Command> createTestWorkLong() { return std::make_unique<TestWorkLong>(); }
 std::unique_ptr<core::Command> createTestAnswerAtOnce() {

@@ -4,7 +4,7 @@
 
 #include <memory>
 
-#include "scripting/dictionary.h"
+#include "scripting/dictionary/dictionary.h"
 #include "tests/core/waiting.h"
 
 namespace skerrow::scripting {

@@ -13,7 +13,7 @@
 #include "core/script_compiler.h"
 #include "core/shared_services.h"
 #include "platform/system_platform.h"
-#include "scripting/dictionary.h"
+#include "scripting/dictionary/dictionary.h"
 #include "scripting/dispatcher.h"
 #include "scripting/event.h"
 
