@@ -4,7 +4,10 @@
 #include <string_view>
 
 #include "cli/options.h"
+#include "foundation/encoding/code_text.h"
+#include "foundation/text/quoted_text.h"
 #include "scripting/dictionary/dictionary.h"
+#include "scripting/dictionary/nearest.h"
 
 namespace skerrow::cli {
 
@@ -51,7 +54,9 @@ std::string argumentLines(const ArgumentEntry& argument) {
   text += wrapped(sentence(argument.description), 6);
   if (argument.type.enumeration != nullptr) {
     for (const scripting::EnumeratorEntry& one : argument.type.enumeration->enumerators) {
-      text += wrapped(std::string(one.words) + ": " + std::string(one.description), 8);
+      text += wrapped(std::string(one.words) + " (" + foundation::plainTextFromCode(one.code) +
+                          "): " + std::string(one.description),
+                      8);
     }
   }
   return text;
@@ -86,11 +91,13 @@ std::string commandListing(const std::optional<std::string>& command) {
     }
     return text;
   }
-  const auto found = std::ranges::find_if(commands, [&](const CommandEntry& entry) {
-    return entry.name == *command || entry.words == *command;
-  });
-  if (found == commands.end()) {
-    throw UsageError("there is no command “" + *command + "”; “skerrow commands” lists them all");
+  const scripting::Dictionary& dictionary = scripting::skerrowDictionary();
+  const CommandEntry* found = dictionary.command(*command);
+  if (found == nullptr) found = dictionary.commandByWords(*command);
+  if (found == nullptr) {
+    throw UsageError("there is no command “" + foundation::shortened(*command) + "”" +
+                     scripting::didYouMean(dictionary, *command) +
+                     " “skerrow commands” lists them all");
   }
   return details(*found);
 }

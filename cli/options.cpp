@@ -4,6 +4,8 @@
 #include <string_view>
 #include <utility>
 
+#include "foundation/text/quoted_text.h"
+
 namespace skerrow::cli {
 
 namespace {
@@ -55,7 +57,8 @@ class Words {
   }
 
   void requireEnd() {
-    if (!isEmpty()) throw UsageError("there is no use for “" + take() + "” here");
+    if (!isEmpty())
+      throw UsageError("there is no use for “" + foundation::shortened(take()) + "” here");
   }
 
  private:
@@ -76,7 +79,8 @@ std::chrono::milliseconds timeoutFrom(const std::string& text) {
   const auto timeout =
       error == std::errc() && stop == end ? scripting::timeoutFromSeconds(seconds) : std::nullopt;
   if (!timeout)
-    throw UsageError("--timeout needs a number of seconds, 0 or more, not “" + text + "”");
+    throw UsageError("--timeout needs a number of seconds, 0 or more, not “" +
+                     foundation::shortened(text) + "”");
   return *timeout;
 }
 
@@ -102,9 +106,10 @@ Options readPerform(Words words) {
     } else if (word == "--stdin") {
       isStream = true;
     } else if (word.starts_with('-')) {
-      throw UsageError("perform has no option “" + word + "”");
+      throw UsageError("perform has no option “" + foundation::shortened(word) + "”");
     } else if (!perform.command.empty()) {
-      throw UsageError("perform takes one command, and “" + word + "” is a second one");
+      throw UsageError("perform takes one command, and “" + foundation::shortened(word) +
+                       "” is a second one");
     } else {
       perform.command = word;
     }
@@ -149,7 +154,7 @@ Options readOptions(std::span<const char* const> words) {
     left.requireEnd();
     return ShowVersion{};
   }
-  throw UsageError("there is nothing called “" + verb + "” to do");
+  throw UsageError("there is nothing called “" + foundation::shortened(verb) + "” to do");
 }
 
 std::string helpText() { return std::string(kHelp); }

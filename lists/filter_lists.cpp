@@ -15,7 +15,7 @@
 #include "core/script_error.h"
 #include "core/unpack.h"
 #include "foundation/predicate/predicate.h"
-#include "foundation/text/text_encoding.h"
+#include "foundation/text/quoted_text.h"
 #include "lists/list_input.h"
 
 namespace skerrow::lists {
@@ -78,7 +78,7 @@ Predicate parsed(const ErrorEntry& failure, Parse&& parse) {
 
 Predicate predicateFromText(std::u16string_view format, const PredicateSurroundings& surroundings) {
   if (placeholders(format) > 0) {
-    throw ScriptError(kNeedsArguments, foundation::utf8FromUtf16(format));
+    throw ScriptError(kNeedsArguments, foundation::shortened(format));
   }
   if (format.empty()) throw ScriptError(kEmptyPredicate);
   return parsed(kBadPredicate, [&] { return Predicate::parse(format, {}, surroundings); });

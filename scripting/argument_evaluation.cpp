@@ -12,7 +12,9 @@
 #include "core/pack.h"
 #include "core/script_error.h"
 #include "core/unpack.h"
+#include "foundation/text/quoted_text.h"
 #include "scripting/dictionary/kind_words.h"
+#include "scripting/dictionary/nearest.h"
 #include "scripting/refusal.h"
 
 namespace skerrow::scripting {
@@ -25,7 +27,7 @@ using core::ErrorEntry;
 using core::ScriptError;
 namespace number_of = core::scripting_error;
 
-constexpr ErrorEntry kUnknownArgument = {number_of::kUnknownArgument, "%@ has no argument “%@”."};
+constexpr ErrorEntry kUnknownArgument = {number_of::kUnknownArgument, "%@ has no argument “%@”%@"};
 constexpr ErrorEntry kWrongArgument = {number_of::kWrongKind, "“%@” takes %@, not %@."};
 constexpr ErrorEntry kWrongDirectParameter = {number_of::kWrongKind,
                                               "The direct parameter must be %@, not %@."};
@@ -92,6 +94,10 @@ std::optional<Value> plainValue(Kinds kinds, const ScriptValue& value) {
   if (contains(kinds, Kinds::enumeration)) {
     if (const auto code = enumeratorCode(value)) return Value(*code);
   }
+  const bool isObjectKind = (contains(kinds, Kinds::reference) && type == "obj "_code) ||
+                            (contains(kinds, Kinds::point) && type == "QDpt"_code) ||
+                            (contains(kinds, Kinds::rectangle) && type == "qdrt"_code);
+  if (isObjectKind) return Value(value);
   if (contains(kinds, Kinds::record) && core::scriptingRecordWithDescriptor(value))
     return Value(value);
   if (contains(kinds, Kinds::script) && core::scriptingScriptWithDescriptor(value))
@@ -160,7 +166,9 @@ Value evaluateArgument(const ArgumentEntry& argument, const ScriptValue& value) 
 
 core::Arguments evaluateArguments(const CommandEntry& command, const Event& event) {
   for (const auto& [key, value] : event.arguments) {
-    if (command.argument(key) == nullptr) throw ScriptError(kUnknownArgument, command.name, key);
+    if (command.argument(key) != nullptr) continue;
+    throw ScriptError(kUnknownArgument, command.name, foundation::shortened(key),
+                      didYouMean(command, key));
   }
   const ArgumentEntry* direct = command.directParameter;
   if (direct != nullptr && !event.directParameter) requireGiven(*direct);

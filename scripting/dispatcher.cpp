@@ -7,7 +7,9 @@
 #include <utility>
 
 #include "core/script_error.h"
+#include "foundation/text/quoted_text.h"
 #include "scripting/argument_evaluation.h"
+#include "scripting/dictionary/nearest.h"
 
 namespace skerrow::scripting {
 
@@ -17,7 +19,7 @@ using core::ScriptError;
 
 constexpr core::ErrorEntry kTimedOut = {core::scripting_error::kTimedOut, "AppleEvent timed out."};
 constexpr core::ErrorEntry kUnknownCommand = {core::scripting_error::kUnknownCommand,
-                                              "There is no command “%@”."};
+                                              "There is no command “%@”%@"};
 }  // namespace
 
 // Commands may resume when the dispatcher is gone: they hold it weakly.
@@ -57,7 +59,10 @@ Dispatcher::~Dispatcher() {
 
 std::shared_ptr<core::Command> Dispatcher::State::prepared(EventId event, Event&& given) {
   const CommandEntry* entry = dictionary.command(given.command);
-  if (entry == nullptr) throw ScriptError(kUnknownCommand, given.command);
+  if (entry == nullptr) {
+    throw ScriptError(kUnknownCommand, foundation::shortened(given.command),
+                      didYouMean(dictionary, given.command));
+  }
   core::Arguments arguments = evaluateArguments(*entry, given);
   const auto position = static_cast<std::size_t>(entry - dictionary.commands.data());
   std::shared_ptr<core::Command> command = classes[position]();

@@ -15,7 +15,7 @@
 #include "core/script_error.h"
 #include "foundation/date/date_parser.h"
 #include "foundation/number/number_scanner.h"
-#include "foundation/text/text_encoding.h"
+#include "foundation/text/quoted_text.h"
 #include "foundation/text/user_preferences.h"
 #include "text/text_input.h"
 
@@ -88,12 +88,13 @@ class SKWConvertStrings final : public core::Command {
         DateParser::make(format_->view(), foundation::userLocale(environment()),
                          foundation::userTimeZone(environment()));
     if (!parser) throw ScriptError(kBadFormat);
-    return convertTextOrTexts(
-        *takeDirectParameter(), kNotTexts, cancelToken(), [&parser](const Text& text) {
-          const std::optional<Date> date = parser->parse(text.view());
-          if (!date) throw ScriptError(kNotADate, foundation::utf8FromUtf16(text.view()));
-          return Value(*date);
-        });
+    return convertTextOrTexts(*takeDirectParameter(), kNotTexts, cancelToken(),
+                              [&parser](const Text& text) {
+                                const std::optional<Date> date = parser->parse(text.view());
+                                if (!date)
+                                  throw ScriptError(kNotADate, foundation::shortened(text.view()));
+                                return Value(*date);
+                              });
   }
 
   [[nodiscard]] Value numbers() {
@@ -103,9 +104,9 @@ class SKWConvertStrings final : public core::Command {
     return convertTextOrTexts(
         *takeDirectParameter(), kNotTexts, cancelToken(), [this, &symbols](const Text& text) {
           const auto scanned = foundation::scanReal(text.view(), symbols);
-          if (!scanned) throw ScriptError(kNotANumber, foundation::utf8FromUtf16(text.view()));
+          if (!scanned) throw ScriptError(kNotANumber, foundation::shortened(text.view()));
           if (std::isinf(scanned->value)) {
-            throw ScriptError(kInfinite, foundation::utf8FromUtf16(text.view()));
+            throw ScriptError(kInfinite, foundation::shortened(text.view()));
           }
           return Value(isMakingIntegers_ ? roundedInteger(scanned->value)
                                          : Number::real(scanned->value));

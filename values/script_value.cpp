@@ -10,6 +10,7 @@
 
 #include "values/depth.h"
 #include "values/keys.h"
+#include "values/object_reference.h"
 #include "values/prefetching.h"
 #include "values/shared_count.h"
 #include "values/value.h"
@@ -20,6 +21,10 @@ using namespace literals;
 
 struct ScriptValue::Bytes : SharedCount {
   std::string bytes;
+};
+
+struct ScriptValue::Reference : SharedCount {
+  std::shared_ptr<const ObjectReference> object;
 };
 
 // A few items follow the header in the same allocation; where there are many, a
@@ -190,6 +195,9 @@ void ScriptValue::retain() const noexcept {
     case Storage::labelled:
       block<Labelled>()->retain();
       return;
+    case Storage::reference:
+      block<Reference>()->retain();
+      return;
   }
 }
 
@@ -211,6 +219,9 @@ void ScriptValue::release() noexcept {
       return;
     case Storage::labelled:
       if (block<Labelled>()->release()) Labelled::destroy(block<Labelled>());
+      return;
+    case Storage::reference:
+      if (block<Reference>()->release()) delete block<Reference>();
       return;
   }
 }
@@ -268,6 +279,15 @@ ScriptValue ScriptValue::record(FourCharCode type, std::vector<ScriptField> fiel
 ScriptValue ScriptValue::labelledRecord(const Keys& labels, std::span<ScriptValue> values) {
   assert(labels.count() == values.size() && std::ranges::all_of(labels.all(), &Value::isText));
   return {kPlainRecord, Storage::labelled, Labelled::make(depthOver(values, 2), labels, values)};
+}
+
+ScriptValue ScriptValue::reference(std::shared_ptr<const ObjectReference> reference) {
+  assert(reference != nullptr);
+  return {"obj "_code, Storage::reference, new Reference{{}, std::move(reference)}};
+}
+
+const ObjectReference* ScriptValue::objectReference() const noexcept {
+  return storage_ == Storage::reference ? block<Reference>()->object.get() : nullptr;
 }
 
 std::span<const ScriptValue> ScriptValue::items() const noexcept {
@@ -366,6 +386,12 @@ bool operator==(const ScriptValue& a, const ScriptValue& b) {
   if (a.type_ != b.type_ || a.hasItems() != b.hasItems() || a.hasFields() != b.hasFields()) {
     return false;
   }
+  const ObjectReference* const object = a.objectReference();
+  const ObjectReference* const other = b.objectReference();
+  if (object != nullptr && other != nullptr) {
+    return object == other || object->path() == other->path();
+  }
+  if (object != nullptr || other != nullptr) return false;
   if (!a.hasFields()) return a.payload() == b.payload() && std::ranges::equal(a.items(), b.items());
   const Keys* const labels = a.labels();
   const Keys* const others = b.labels();

@@ -1,9 +1,9 @@
 #pragma once
 // ScriptValue: a value at the scripting boundary. It carries a four-character
 // type code and either a payload of bytes (in the host's byte order), the items
-// of a list, or the fields of a record. Two words wide: payloads of up to eight
-// bytes are held inline, everything else is one immutable block shared between
-// copies. Safe to copy and read on any thread.
+// of a list, the fields of a record, or a reference to an object. Two words wide: payloads of up to
+// eight bytes are held inline, everything else is one immutable block shared between copies. Safe
+// to copy and read on any thread.
 //
 // A record is a run of fields, each under a keyword; the fields that a script
 // labels freely lie together in a list, label, value, label, value, under the
@@ -14,6 +14,7 @@
 // made from bytes is kept as bytes and decoded by whoever unpacks it.
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string_view>
@@ -26,6 +27,7 @@
 namespace skerrow {
 
 class Keys;
+class ObjectReference;
 struct ScriptField;
 
 /// The class of a plain record, and the keyword of the fields that scripts label freely.
@@ -74,6 +76,8 @@ class ScriptValue {
   static ScriptValue typeCode(FourCharCode code);
   /// The platform's null value, which is not "missing value".
   static ScriptValue null();
+  /// A value of type 'obj '.
+  static ScriptValue reference(std::shared_ptr<const ObjectReference> reference);
   /// Throws NestingTooDeep.
   static ScriptValue list(std::vector<ScriptValue> items);
   /// The same of items that are taken from where they lie.
@@ -119,7 +123,11 @@ class ScriptValue {
   /// The values of a record that was made of labels and values, to be taken from, as long
   /// as this value lives; empty where somebody else has them too.
   [[nodiscard]] std::span<ScriptValue> ownLabelledValues() noexcept;
-  /// The payload's bytes, valid as long as this object; empty for lists and records.
+  /// The reference that this was made of, valid as long as any copy of this value lives;
+  /// null for anything else.
+  [[nodiscard]] const ObjectReference* objectReference() const noexcept;
+  /// The payload's bytes, valid as long as this object; empty for lists, records and
+  /// references.
   [[nodiscard]] std::string_view payload() const noexcept;
   /// The payload as a plain number, or nothing when its width is another.
   template <class Plain>
@@ -143,11 +151,20 @@ class ScriptValue {
     if (storage_ != Storage::inlineBytes) __builtin_prefetch(content_.shared);
   }
 
-  /// Same type and same payload, items or fields, in the same order.
+  /// Same type and same payload, items or fields, in the same order; of references, the
+  /// same path.
   friend bool operator==(const ScriptValue& a, const ScriptValue& b);
 
  private:
-  enum class Storage : std::uint8_t { inlineBytes, bytes, text, items, fields, labelled };
+  enum class Storage : std::uint8_t {
+    inlineBytes,
+    bytes,
+    text,
+    items,
+    fields,
+    labelled,
+    reference
+  };
   static constexpr std::size_t kInlineBytes = 8;
   union Content {
     char bytes[kInlineBytes];
@@ -158,6 +175,7 @@ class ScriptValue {
   class Items;
   struct Fields;
   class Labelled;
+  struct Reference;
 
   ScriptValue(FourCharCode type, Storage storage, const void* block) noexcept;
   void retain() const noexcept;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdio>
 
 #include "foundation/text/text_encoding.h"
 #include "values/keys.h"
@@ -13,6 +14,16 @@ std::u16string textFromCode(FourCharCode code) {
   const char bytes[] = {static_cast<char>(bits >> 24U), static_cast<char>(bits >> 16U),
                         static_cast<char>(bits >> 8U), static_cast<char>(bits)};
   return utf16FromMacRoman({bytes, sizeof bytes});
+}
+
+std::string plainTextFromCode(FourCharCode code) {
+  const std::u16string text = textFromCode(code);
+  if (std::ranges::all_of(text, [](char16_t unit) { return unit >= u' ' && unit < 0x7F; })) {
+    return {text.begin(), text.end()};
+  }
+  char hexadecimal[16];
+  const int length = std::snprintf(hexadecimal, sizeof hexadecimal, "0x%08X", number(code));
+  return {hexadecimal, static_cast<std::size_t>(length)};
 }
 
 std::optional<FourCharCode> codeFromText(std::u16string_view text) {

@@ -16,6 +16,9 @@ namespace foundation {
 /// Always four characters.
 std::u16string textFromCode(FourCharCode code);
 
+/// Four characters where all of them are plain ASCII, else 0x and eight digits.
+std::string plainTextFromCode(FourCharCode code);
+
 /// Nothing unless the text has exactly four characters, all of Mac OS Roman.
 std::optional<FourCharCode> codeFromText(std::u16string_view text);
 

@@ -43,9 +43,20 @@ std::string excerpt(std::u16string_view text, std::size_t place, std::size_t len
   return result;
 }
 
-std::string quoted(std::u16string_view text) {
-  constexpr std::size_t kLongest = 100;
-  return "“" + excerpt(text, 0, kLongest) + "”";
+std::string shortened(std::string_view utf8) {
+  std::size_t count = 0;
+  for (std::size_t i = 0; i < utf8.size(); ++i) {
+    const bool beginsCharacter = (static_cast<unsigned char>(utf8[i]) & 0xC0U) != 0x80;
+    if (beginsCharacter && ++count > kLongestShown) return std::string(utf8.substr(0, i)) + "…";
+  }
+  return std::string(utf8);
 }
+
+std::string shortened(std::u16string_view text) {
+  // A character has at most two units; one more shows that there is more.
+  return shortened(std::string_view(utf8FromUtf16(text.substr(0, 2 * (kLongestShown + 1)))));
+}
+
+std::string quoted(std::u16string_view text) { return "“" + excerpt(text, 0, kLongestShown) + "”"; }
 
 }  // namespace skerrow::foundation

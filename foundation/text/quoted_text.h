@@ -11,7 +11,15 @@ namespace skerrow::foundation {
 /// more was. Control characters and lone surrogates are shown as their \uXXXX escapes.
 std::string excerpt(std::u16string_view text, std::size_t place, std::size_t length);
 
-/// The text in quotation marks, cut behind 100 units: “a\u0000b”
+/// How much of a text a message shows.
+inline constexpr std::size_t kLongestShown = 200;
+
+/// A text of a caller for a message, cut behind 200 characters with dots where more was.
+std::string shortened(std::string_view utf8);
+/// The same, in UTF-8.
+std::string shortened(std::u16string_view text);
+
+/// The text in quotation marks, cut behind 200 units: “a\u0000b”
 std::string quoted(std::u16string_view text);
 
 }  // namespace skerrow::foundation

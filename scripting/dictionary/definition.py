@@ -208,6 +208,14 @@ def code_number(text, count=4):
     return int.from_bytes(encoded, "big")
 
 
+def is_code(text):
+    try:
+        code_number(text)
+    except Malformed:
+        return False
+    return True
+
+
 def code(element, count=4):
     text = attribute(element, "code")
     code_number(text, count)
@@ -405,6 +413,13 @@ def check_terms(definition):
             raise Malformed(
                 f"the code “{text}” is “{known[0]}” {known[1]} and “{words}” {where}; "
                 "one code has one word")
+    enumerators = [one for each in definition.all("enumerations") for one in each.enumerators]
+    codes = {code_number(one.code): one.words for one in enumerators}
+    for one in enumerators:
+        # Where a constant is given in four characters it must be plain which one it is.
+        known = codes.get(code_number(one.words)) if is_code(one.words) else None
+        if known is not None and known != one.words:
+            raise Malformed(f"the constant “{one.words}” has the code of “{known}” as its name")
     for a_class in definition.all("classes"):
         known = by_words.get(a_class.plural.lower())
         if known and known[0] != code_number(a_class.code):

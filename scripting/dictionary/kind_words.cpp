@@ -6,7 +6,9 @@
 #include "core/script_error.h"
 #include "core/unpack.h"
 #include "foundation/encoding/code_text.h"
+#include "foundation/text/quoted_text.h"
 #include "foundation/text/text_encoding.h"
+#include "values/object_reference.h"
 
 namespace skerrow::scripting {
 
@@ -33,6 +35,8 @@ Kinds kindOf(FourCharCode type) {
       return Kinds::data;
     case number("scpt"_code):
       return Kinds::script;
+    case number("obj "_code):
+      return Kinds::reference;
     case number("QDpt"_code):
       return Kinds::point;
     case number("qdrt"_code):
@@ -63,6 +67,9 @@ std::string kindInWords(const ScriptValue& value) {
   if (value.isMissingValue() || type == "msng"_code) return "missing value";
   if (type == "null"_code) return "the null value";
   if (value.hasFields() && type != kPlainRecord) return "a record of the class " + quoted(type);
+  if (const ObjectReference* object = value.objectReference()) {
+    return "the reference “" + foundation::shortened(object->path()) + "”";
+  }
   const Kinds kind = kindOf(type);
   if (kind != Kinds::none) return std::string(wordsOf(kind).one);
   return "a value of type " + quoted(type);

@@ -6,15 +6,19 @@
 #include <cstdint>
 #include <iterator>
 #include <limits>
+#include <memory>
 #include <utility>
 
 #include "core/unpack.h"
 #include "foundation/date/long_date_time.h"
 #include "foundation/encoding/base64.h"
 #include "foundation/encoding/code_text.h"
+#include "foundation/text/quoted_text.h"
 #include "foundation/text/text_encoding.h"
 #include "foundation/url/url.h"
+#include "scripting/dictionary/nearest.h"
 #include "values/depth.h"
+#include "values/object_reference.h"
 
 namespace skerrow::scripting {
 
@@ -46,17 +50,43 @@ std::string bytesOf(const ScriptValue& value, std::u16string_view form) {
 }
 
 // Four characters, or 0x and eight hexadecimal digits.
-FourCharCode codeOf(const ScriptValue& value, std::u16string_view form) {
-  const std::string text = textOf(value, form);
+std::optional<FourCharCode> codeFrom(const std::string& text) {
   std::uint32_t bits = 0;
   if (text.size() == 10 && text.starts_with("0x")) {
     const char* const end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data() + 2, end, bits, 16);
     if (error == std::errc() && stop == end) return FourCharCode{bits};
   }
-  const auto code = foundation::codeFromText(core::textFromScriptValue(value)->view());
+  return foundation::codeFromText(foundation::utf16FromUtf8Replacing(text));
+}
+
+FourCharCode codeOf(const ScriptValue& value, std::u16string_view form) {
+  const auto code = codeFrom(textOf(value, form));
   if (!code) refuse("“" + utf8(form) + "” needs four characters, or 0x and eight digits");
   return *code;
+}
+
+// An enumerator by its code or its name. One name has one code, whichever enumeration
+// it belongs to; four characters are a name only where they are that of an enumerator.
+FourCharCode enumeratorOf(const ScriptValue& value, const Dictionary& dictionary) {
+  const std::string text = textOf(value, u"$enum");
+  const auto code = codeFrom(text);
+  if (code && dictionary.enumerator(*code) != nullptr) return *code;
+  if (const EnumeratorEntry* named = dictionary.enumeratorByWords(text)) return named->code;
+  if (code) return *code;
+  Nearest nearest(text);
+  for (const EnumerationEntry& enumeration : dictionary.enumerations) {
+    for (const EnumeratorEntry& one : enumeration.enumerators) nearest.consider(one.words);
+  }
+  refuse("there is no constant “" + foundation::shortened(text) + "”" +
+         (nearest.found().empty()
+              ? "; “$enum” needs the name of one, four characters, or 0x and eight digits"
+              : " (did you mean “" + std::string(nearest.found()) + "”?)"));
+}
+
+ScriptValue referenceFrom(std::string path) {
+  if (path.empty()) refuse("“$object” needs a path such as progWin.progMessage");
+  return ScriptValue::reference(std::make_shared<PathReference>(std::move(path)));
 }
 
 // An integer takes the smallest of the signed types that holds it.
@@ -352,17 +382,22 @@ ScriptValue TypedJsonBuilder::singleForm(std::u16string_view label,
   }
   if (label == u"$data") return ScriptValue::withPayload("rdat"_code, bytesOf(value, label));
   if (label == u"$type") return ScriptValue::typeCode(codeOf(value, label));
-  if (label == u"$enum") return ScriptValue::withPlain("enum"_code, codeOf(value, label));
+  if (label == u"$enum") {
+    return ScriptValue::withPlain("enum"_code, enumeratorOf(value, *services_.dictionary));
+  }
+  if (label == u"$object") return referenceFrom(textOf(value, label));
   if (label == u"$script") return ScriptValue::withPayload("scpt"_code, bytesOf(value, label));
   if (label == u"$source") {
     const auto source = core::textFromScriptValue(value);
     if (!source) refuse("“$source” needs a text");
-    if (compileSource_ == nullptr) refuse("“$source” needs a script engine to compile with");
-    return ScriptValue::withPayload("scpt"_code, (*compileSource_)(source->view()));
+    if (services_.compileSource == nullptr) {
+      refuse("“$source” needs a script engine to compile with");
+    }
+    return ScriptValue::withPayload("scpt"_code, (*services_.compileSource)(source->view()));
   }
   if (label == u"$number") refuse("“$number” needs its companion “as”");
   if (label == u"$raw") refuse("“$raw” needs its companion “data”");
-  refuse("“" + utf8(label) +
+  refuse("“" + foundation::shortened(label) +
          "” is not one of the forms of typed JSON; a record with such a "
          "label is written {\"$record\": {…}}");
 }

@@ -14,6 +14,7 @@
 #include <string_view>
 #include <vector>
 
+#include "scripting/dictionary/dictionary.h"
 #include "values/keys.h"
 #include "values/number.h"
 #include "values/script_value.h"
@@ -25,6 +26,12 @@ namespace skerrow::scripting {
 /// Compiles the text of a script into its data; throws JsonError when it cannot.
 using CompileSource = std::function<std::string(std::u16string_view source)>;
 
+/// What the forms need that JSON alone does not hold.
+struct FormServices {
+  const CompileSource* compileSource = nullptr;         ///< without one, script source is an error
+  const Dictionary* dictionary = &skerrowDictionary();  ///< of the names of constants
+};
+
 /// What is wrong with a JSON text, in words for a person, with its place once known.
 class JsonError : public std::runtime_error {
  public:
@@ -33,7 +40,7 @@ class JsonError : public std::runtime_error {
 
 class TypedJsonBuilder {
  public:
-  explicit TypedJsonBuilder(const CompileSource* compileSource) : compileSource_(compileSource) {}
+  explicit TypedJsonBuilder(const FormServices& services) : services_(services) {}
 
   // Each throws JsonError for what has no place in typed JSON, and what begins or ends
   // NestingTooDeep.
@@ -133,7 +140,7 @@ class TypedJsonBuilder {
   [[nodiscard]] ScriptValue singleForm(std::u16string_view label, const ScriptValue& value) const;
   [[nodiscard]] ScriptValue numberForm(const ScriptValue& value, const ScriptValue& type) const;
 
-  const CompileSource* compileSource_;
+  FormServices services_;
   std::vector<Frame> frames_;
   std::vector<ScriptValue> values_;  // of all open arrays and objects, innermost last
   LabelStack labels_;

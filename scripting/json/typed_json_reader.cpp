@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "core/unpack.h"
+#include "foundation/text/quoted_text.h"
 #include "foundation/text/text_encoding.h"
 #include "scripting/json/json_parser.h"
 #include "values/depth.h"
@@ -18,14 +19,12 @@ namespace {
 // shape around typed values.
 enum class Form { value, arguments, event };
 
-std::string quoted(const std::string& text) { return "“" + text + "”"; }
-
 // Receives what the parser finds.
 class Receiver {
  public:
-  Receiver(Form form, JsonSource& source, const CompileSource* compileSource)
+  Receiver(Form form, JsonSource& source, const FormServices& services)
       : source_(source),
-        builder_(compileSource),
+        builder_(services),
         place_(form == Form::value ? Place::value : Place::outside),
         form_(form) {}
 
@@ -162,7 +161,7 @@ class Receiver {
   void requireMember() const {
     const bool isKnown =
         key_ == "command" || key_ == "direct" || key_ == "arguments" || key_ == "timeout";
-    if (!isKnown) throw JsonError("an event has no member " + quoted(key_));
+    if (!isKnown) throw JsonError("an event has no member “" + foundation::shortened(key_) + "”");
   }
 
   JsonSource& source_;
@@ -194,20 +193,20 @@ void read(JsonSource& source, Receiver& receiver) {
 
 }  // namespace
 
-ScriptValue readTypedJson(JsonSource& source, const CompileSource* compileSource) {
-  Receiver receiver(Form::value, source, compileSource);
+ScriptValue readTypedJson(JsonSource& source, const FormServices& services) {
+  Receiver receiver(Form::value, source, services);
   read(source, receiver);
   return receiver.takeValue();
 }
 
-EventArguments readArguments(JsonSource& source, const CompileSource* compileSource) {
-  Receiver receiver(Form::arguments, source, compileSource);
+EventArguments readArguments(JsonSource& source, const FormServices& services) {
+  Receiver receiver(Form::arguments, source, services);
   read(source, receiver);
   return receiver.takeEvent().arguments;
 }
 
-Event readEvent(JsonSource& source, const CompileSource* compileSource) {
-  Receiver receiver(Form::event, source, compileSource);
+Event readEvent(JsonSource& source, const FormServices& services) {
+  Receiver receiver(Form::event, source, services);
   read(source, receiver);
   if (!receiver.hasCommand()) {
     failAt(source.currentPlace(), "the event does not name its “command”");

@@ -10,15 +10,14 @@
 
 namespace skerrow::scripting {
 
-/// One value, which is all that the source holds. Without a compiler, script
-/// source among the values is an error.
-ScriptValue readTypedJson(JsonSource& source, const CompileSource* compileSource = nullptr);
+/// One value, which is all that the source holds.
+ScriptValue readTypedJson(JsonSource& source, const FormServices& services = {});
 
 /// An object whose members are arguments by key; a repeated key counts as last given.
-EventArguments readArguments(JsonSource& source, const CompileSource* compileSource = nullptr);
+EventArguments readArguments(JsonSource& source, const FormServices& services = {});
 
 /// {"command": C, "direct": D, "arguments": {…}, "timeout": S}; all but the
 /// command may be left out.
-Event readEvent(JsonSource& source, const CompileSource* compileSource = nullptr);
+Event readEvent(JsonSource& source, const FormServices& services = {});
 
 }  // namespace skerrow::scripting

@@ -4,7 +4,6 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <cstdio>
 #include <optional>
 #include <span>
 #include <utility>
@@ -17,6 +16,7 @@
 #include "foundation/text/text_encoding.h"
 #include "foundation/url/url.h"
 #include "values/keys.h"
+#include "values/object_reference.h"
 #include "values/prefetching.h"
 #include "values/value.h"
 
@@ -135,6 +135,9 @@ class ValueWriter {
     if (const auto units = value.heldUnits()) return writer_.text(*units);
     if (const auto text = core::textFromScriptValue(value)) return writer_.text(text->view());
     if (const auto number = core::numberFromScriptValue(value)) return writeNumber(*number);
+    if (const ObjectReference* object = value.objectReference()) {
+      return form(u"$object", object->path());
+    }
     if (!writeOther(value)) writeRaw(value);
   }
 
@@ -280,14 +283,7 @@ class ValueWriter {
   bool writeEnumerator(const ScriptValue& value) {
     const auto code = value.plain<FourCharCode>();
     if (!code) return false;
-    const std::u16string text = foundation::textFromCode(*code);
-    if (std::ranges::all_of(text, [](char16_t unit) { return unit >= u' ' && unit < 0x7F; })) {
-      form(u"$enum", text);
-    } else {
-      char hexadecimal[16];
-      const int length = std::snprintf(hexadecimal, sizeof hexadecimal, "0x%08X", number(*code));
-      form(u"$enum", std::string_view(hexadecimal, static_cast<std::size_t>(length)));
-    }
+    form(u"$enum", foundation::plainTextFromCode(*code));
     return true;
   }
 

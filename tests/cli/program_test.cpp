@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "foundation/encoding/code_text.h"
 #include "scripting/dictionary/dictionary.h"
 #include "tests/support/program.h"
 #include "tests/support/scratch_folder.h"
@@ -231,6 +232,53 @@ TEST(Commands, ShowsEveryArgumentOfACommandByItsClassOrWords) {
   }
 }
 
+TEST(Commands, ShowsConstantsByNameAndCode) {
+  for (const auto& command : scripting::skerrowDictionary().commands) {
+    const ProgramEnd end = run({"commands", std::string(command.name)});
+    for (const auto& argument : command.arguments) {
+      if (argument.type.enumeration == nullptr) continue;
+      for (const auto& one : argument.type.enumeration->enumerators) {
+        EXPECT_THAT(end.output, HasSubstr("\n        " + std::string(one.words) + " (" +
+                                          foundation::plainTextFromCode(one.code) + "): "));
+      }
+    }
+  }
+}
+
+TEST(Commands, SaysWhatIsRequired) {
+  const ProgramEnd end = run({"commands", "SKWCompareRecord"});
+  EXPECT_THAT(end.output, HasSubstr("\nDirect parameter (a record, required)\n"));
+  EXPECT_THAT(end.output, HasSubstr("\n  toRecord (a record, required)\n"));
+  EXPECT_THAT(end.output, HasSubstr("\n  inRecords (true or false)\n"));
+}
+
+TEST(Usage, AsksWhatWasMeant) {
+  expectWrongUsage(run({"commands", "SKWModfyList"}), "; did you mean SKWModifyList? ");
+  expectWrongUsage(run({"commands", "sort lst"}), "; did you mean SKWMungeList? ");
+  EXPECT_EQ(run({"perform", "SKWModfyList"}).errors,
+            "skerrow: There is no command “SKWModfyList”; did you mean SKWModifyList? (-1708)\n");
+  EXPECT_EQ(modify({"--direct", "[1]", "--arguments", R"({"flatening": true})"}).errors,
+            "skerrow: SKWModifyList has no argument “flatening”; did you mean “flattening”? "
+            "(-1701)\n");
+}
+
+TEST(Messages, ShowNoMoreThanTwoHundredCharactersOfWhatWasGiven) {
+  const std::string longName(1000, 'x');
+  const std::string shown = "“" + longName.substr(0, 200) + "…”";
+  expectWrongUsage(run({longName}), shown);
+  expectWrongUsage(run({"--version", longName}), shown);
+  expectWrongUsage(run({"commands", longName}), shown);
+  expectWrongUsage(run({"perform", "--" + longName}), "“--" + longName.substr(0, 198) + "…”");
+  expectWrongUsage(modify({longName}), shown);
+  expectWrongUsage(modify({"--timeout", longName}), shown);
+  const std::string member = "{\"" + longName + "\": 1}";
+  expectWrongUsage(modify({"--direct", "{\"$" + longName + "\": 1}"}),
+                   longName.substr(0, 199) + "…”");
+  expectWrongUsage(modify({"--direct", "{\"$enum\": \"" + longName + "\"}"}), shown);
+  EXPECT_THAT(run({"perform", longName}).errors, HasSubstr(shown));
+  EXPECT_THAT(modify({"--direct", "[1]", "--arguments", member}).errors, HasSubstr(shown));
+}
+
 TEST(MalformedJson, IsReportedWithItsPlace) {
   const struct {
     const char* json;
@@ -280,6 +328,7 @@ TEST(MalformedJson, IsWhatTypedJsonHasNoFormFor) {
                            R"({"$data": "A"})",
                            R"({"$type": "longer"})",
                            R"({"$enum": "0x1"})",
+                           R"({"$object": ""})",
                            R"({"$null": false})",
                            R"({"$real": "1"})",
                            R"({"$file": "a"})",

@@ -181,6 +181,11 @@ struct KindRow {
   std::vector<std::string_view> takenBy;
 };
 
+const char* const kLongReference = [] {
+  static const std::string words = "the reference “" + std::string(200, 'x') + "…”";
+  return words.c_str();
+}();
+
 const std::vector<KindRow>& kindRows() {
   static const std::vector<KindRow> rows = {
       {scriptText(u"long"), "a text", {"text", "textOrTexts", "dateOrText"}},
@@ -221,6 +226,9 @@ const std::vector<KindRow>& kindRows() {
       {plain("enum"_code, "abcd"_code), "a constant", {"colour", "colours"}},
       {payload("rdat"_code, ""), "raw data", {"data"}},
       {payload("scpt"_code, ""), "a script", {"script"}},
+      {tests::objectReference("a.b"), "the reference “a.b”", {}},
+      {tests::objectReference(std::string(300, 'x')), kLongReference, {}},
+      {payload("obj "_code, ""), "a reference", {}},
       {payload("abcd"_code, ""), "a value of type “abcd”", {}},
       {payload("long"_code, "abc"), "a value of type “long”", {}},
       {payload("\xC7\x61\x62\x63"_code, ""), "a value of type “«abc”", {}},

@@ -175,6 +175,10 @@ TEST(DictionaryGenerator, SaysWhatIsWrongWithADefinitionAndWritesNothing) {
       {"a command with the word of a parameter",
        command(parameter(R"(name="do it" code="aaaa" type="text")")),
        "“do it” is a command and has the code “aaaa” in “do it”; one word has one code"},
+      {"a constant with the code of another one as its name",
+       inDictionary(R"(<enumeration name="c" code="cccc"><enumerator name="red" code="blue"/>
+                         <enumerator name="blue" code="Blue"/></enumeration>)"),
+       "the constant “blue” has the code of “red” as its name"},
       {"a class without a name in the program",
        inDictionary(R"(<class name="thing" code="Thin"/>)"), "“thing” has no <cocoa class>"},
       {"a class without a code", inDictionary(R"(<class name="thing"><cocoa class="T"/></class>)"),

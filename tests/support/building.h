@@ -2,11 +2,14 @@
 // Short ways to make script values in tests.
 
 #include <cstdint>
+#include <memory>
+#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 #include "values/keys.h"
+#include "values/object_reference.h"
 #include "values/script_value.h"
 
 namespace skerrow::tests {
@@ -39,6 +42,10 @@ ScriptValue plain(FourCharCode type, Plain value) {
 /// A file reference by the text of its URL.
 inline ScriptValue fileReference(std::string_view url) {
   return ScriptValue::withPayload(FourCharCode{0x6675726C}, url);
+}
+
+inline ScriptValue objectReference(std::string path) {
+  return ScriptValue::reference(std::make_shared<PathReference>(std::move(path)));
 }
 
 }  // namespace skerrow::tests

@@ -7,6 +7,7 @@
 #include <ostream>
 #include <utility>
 
+#include "values/object_reference.h"
 #include "values/record.h"
 
 namespace skerrow::tests {
@@ -92,6 +93,7 @@ std::string described(const ScriptValue& value) {
     }
     return text + "}";
   }
+  if (const ObjectReference* object = value.objectReference()) return text + " " + object->path();
   const std::string_view bytes = value.payload();
   if (value.type() != FourCharCode{0x75747874} || bytes.size() % 2 != 0) {
     return text + " " + inHexadecimal(bytes);

@@ -1,9 +1,12 @@
 #include <cstdint>
+#include <memory>
+#include <string>
 #include <tuple>
 #include <utility>
 
 #include "tests/support/generators.h"
 #include "values/keys.h"
+#include "values/object_reference.h"
 
 namespace skerrow::tests {
 
@@ -106,6 +109,11 @@ rc::Gen<ScriptValue> anyScriptValue() {
               rc::gen::arbitrary<std::int64_t>(),
               [](std::int64_t seconds) { return ScriptValue::withPlain("ldt "_code, seconds); })},
       {1, rc::gen::map(anyCode(), ScriptValue::typeCode)},
+      {1, rc::gen::map(rc::gen::element<std::string>("a.b", "a[1]", "\"é\""),
+                       [](std::string path) {
+                         return ScriptValue::reference(
+                             std::make_shared<PathReference>(std::move(path)));
+                       })},
       {1, rc::gen::map(
               anyScriptValues(),
               [](std::vector<ScriptValue> items) { return ScriptValue::list(std::move(items)); })},

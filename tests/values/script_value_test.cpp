@@ -3,12 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "tests/support/building.h"
 #include "tests/support/generators.h"
+#include "values/object_reference.h"
 
 namespace skerrow {
 namespace {
@@ -44,6 +46,45 @@ TEST(ScriptValue, KeepsAPayloadOfAnyLengthByteForByte) {
     EXPECT_EQ(copy.payload(), bytes);
     EXPECT_TRUE(copy == value);
   }
+}
+
+TEST(ScriptValue, HoldsAReferenceToAnObject) {
+  const auto object = std::make_shared<PathReference>("progWin.progMessage");
+  const ScriptValue value = ScriptValue::reference(object);
+  EXPECT_EQ(value.type(), "obj "_code);
+  EXPECT_EQ(value.objectReference(), object.get());
+  EXPECT_EQ(value.objectReference()->path(), "progWin.progMessage");
+  EXPECT_EQ(value.payload(), "");
+  EXPECT_EQ(value.depth(), 0U);
+  EXPECT_FALSE(value.hasItems() || value.hasFields() || value.holdsText());
+  const ScriptValue list = ScriptValue::list({value, value});
+  EXPECT_EQ(list.items()[1].objectReference(), object.get());
+  EXPECT_EQ(ScriptValue::withPayload("obj "_code, "progWin").objectReference(), nullptr);
+  EXPECT_EQ(ScriptValue().objectReference(), nullptr);
+}
+
+TEST(ScriptValue, GivesItsReferenceUpWithItsLastCopy) {
+  auto object = std::make_shared<PathReference>("a");
+  const std::weak_ptr<const ObjectReference> watched = object;
+  {
+    const ScriptValue value = ScriptValue::reference(std::move(object));
+    ScriptValue copy = value;
+    const ScriptValue moved = std::move(copy);
+    EXPECT_EQ(watched.use_count(), 1);
+    EXPECT_EQ(moved.objectReference()->path(), "a");
+  }
+  EXPECT_TRUE(watched.expired());
+}
+
+TEST(ScriptValue, ReferencesAreEqualByTheirPaths) {
+  const auto reference = [](const char* path) {
+    return ScriptValue::reference(std::make_shared<PathReference>(path));
+  };
+  EXPECT_TRUE(reference("a.b") == reference("a.b"));
+  EXPECT_FALSE(reference("a.b") == reference("a.c"));
+  EXPECT_FALSE(reference("") == ScriptValue::withPayload("obj "_code, ""));
+  EXPECT_FALSE(ScriptValue::withPayload("obj "_code, "") == reference(""));
+  EXPECT_FALSE(reference("a") == ScriptValue());
 }
 
 struct MadeRow {

@@ -21,6 +21,15 @@ TEST(CodeText, EachByteIsOneCharacter) {
   EXPECT_EQ(described(textFromCode(FourCharCode{0xFFFFFFFF})), described(u"ˇˇˇˇ"));
 }
 
+TEST(CodeText, IsPlainWhereEveryCharacterIs) {
+  EXPECT_EQ(plainTextFromCode("yes "_code), "yes ");
+  EXPECT_EQ(plainTextFromCode("~!A0"_code), "~!A0");
+  EXPECT_EQ(plainTextFromCode(FourCharCode{0x62E56531}), "0x62E56531");
+  EXPECT_EQ(plainTextFromCode(FourCharCode{0}), "0x00000000");
+  EXPECT_EQ(plainTextFromCode(FourCharCode{0x6162637F}), "0x6162637F");
+  EXPECT_EQ(plainTextFromCode(FourCharCode{0x6162631F}), "0x6162631F");
+}
+
 TEST(CodeText, NothingUnlessFourCharactersOfMacOsRoman) {
   const std::u16string refused[] = {
       u"", u"abc", u"abcde", u"abc漢", u"🏔ab", u"abš ", {u'a', u'b', u'c', 0xD800}};

@@ -10,6 +10,7 @@
 
 #include "scripting/json/typed_json_reader.h"
 #include "tests/scripting/json/json_outcome.h"
+#include "tests/scripting/test_commands.h"
 #include "tests/support/building.h"
 #include "tests/support/generators.h"
 #include "values/depth.h"
@@ -60,6 +61,11 @@ TEST(ReadTypedJson, TextsBooleansAndConstants) {
       {R"({"$enum": "0x62E56531"})", plain("enum"_code, FourCharCode{0x62E56531})},
       {R"({"$enum": "0x62e56531"})", plain("enum"_code, FourCharCode{0x62E56531})},
       {R"({"$enum": "bÂe1"})", plain("enum"_code, FourCharCode{0x62E56531})},
+      {R"({"$enum": "uppercasing"})", plain("enum"_code, FourCharCode{0x62E56531})},
+      {R"({"$enum": "Encoding URL"})", plain("enum"_code, FourCharCode{0x62E56536})},
+      {R"({"$enum": "none"})", plain("enum"_code, "none"_code)},
+      {R"({"$object": "progWin.progMessage"})", tests::objectReference("progWin.progMessage")},
+      {R"({"$object": "a[name=\"é\"]"})", tests::objectReference("a[name=\"é\"]")},
   });
 }
 
@@ -374,9 +380,17 @@ TEST(ReadTypedJson, RefusesFormsThatAreNotWellMade) {
       {R"({"$type": "ab漢d"})", "line 1, column 16", "“$type” needs four characters"},
       {R"({"$type": null})", "line 1, column 14", "“$type” needs a text"},
       {R"({"$enum": 5})", "line 1, column 11", "“$enum” needs a text"},
-      {R"({"$enum": "0x62E5653"})", "line 1, column 21", "“$enum” needs four characters"},
-      {R"({"$enum": "0x62E5653G"})", "line 1, column 22", "“$enum” needs four characters"},
-      {R"({"$enum": "0x-2E56531"})", "line 1, column 22", "“$enum” needs four characters"},
+      {R"({"$enum": "0x62E5653"})", "line 1, column 21",
+       "there is no constant “0x62E5653”; “$enum” needs the name of one, four characters"},
+      {R"({"$enum": "0x62E5653G"})", "line 1, column 22", "there is no constant “0x62E5653G”"},
+      {R"({"$enum": "0x-2E56531"})", "line 1, column 22", "there is no constant “0x-2E56531”"},
+      {R"({"$enum": ""})", "line 1, column 12", "there is no constant “”"},
+      {R"({"$enum": "upercasing"})", "line 1, column 22",
+       "there is no constant “upercasing” (did you mean “uppercasing”?)"},
+      {R"({"$enum": "text modification"})", "line 1, column 29", "there is no constant “text"},
+      {R"({"$object": ""})", "line 1, column 14", "“$object” needs a path"},
+      {R"({"$object": 5})", "line 1, column 13", "“$object” needs a text"},
+      {R"({"$object": "\ud800"})", "line 1, column 20", "“$object” cannot hold a lone surrogate"},
       {R"({"$raw": "abcd"})", "line 1, column 15", "“$raw” needs its companion “data”"},
       {R"({"$raw": "abc", "data": ""})", "line 1, column 26", "“$raw” needs four characters"},
       {R"({"$raw": "abcd", "data": 5})", "line 1, column 26", "“data” needs a text"},
@@ -407,6 +421,19 @@ TEST(ReadTypedJson, RefusesFormsThatAreNotWellMade) {
   });
 }
 
+TEST(ReadTypedJson, TakesConstantsByTheNamesOfTheDictionary) {
+  const auto read = [](std::string_view json) {
+    JsonSource source{json};
+    return readTypedJson(source, {.dictionary = &testDictionary()});
+  };
+  EXPECT_EQ(read(R"({"$enum": "red"})"), plain("enum"_code, "redC"_code));
+  EXPECT_EQ(read(R"({"$enum": "redC"})"), plain("enum"_code, "redC"_code));
+  // Four characters are the name of a constant, unless they are the code of another one.
+  EXPECT_EQ(read(R"({"$enum": "blue"})"), plain("enum"_code, FourCharCode{0x62E56531}));
+  EXPECT_EQ(read(R"({"$enum": "grey"})"), plain("enum"_code, "grey"_code));
+  EXPECT_THROW(read(R"({"$enum": "uppercasing"})"), JsonError);
+}
+
 TEST(ReadTypedJson, CompilesScriptSourceWhereThereIsACompiler) {
   const CompileSource compile = [](std::u16string_view source) {
     if (source == u"wrong") throw JsonError("no such word");
@@ -415,7 +442,7 @@ TEST(ReadTypedJson, CompilesScriptSourceWhereThereIsACompiler) {
   const auto read = [&](std::string_view json) {
     return outcomeOf([&] {
       JsonSource source(json);
-      return described(readTypedJson(source, &compile));
+      return described(readTypedJson(source, {.compileSource = &compile}));
     });
   };
   EXPECT_EQ(read(R"([{"$source": "return 1"}])"),
