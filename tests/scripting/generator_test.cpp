@@ -7,8 +7,10 @@
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
-#include <memory>
+#include <iterator>
+#include <sstream>
 #include <string>
+#include <vector>
 
 #include "tests/support/scratch_folder.h"
 
@@ -22,15 +24,12 @@ struct Outcome {
   std::string output;
 };
 
-Outcome generate(const ScratchFolder& folder, const std::string& definition) {
-  const std::string path = folder.write("Faulty.sdef", definition);
-  const auto generator = std::filesystem::path(SKERROW_CASES) / ".." / ".." / "scripting" /
-                         "dictionary" / "generate_dictionary.py";
-  const std::string command = "python3 -B '" + generator.string() + "' '" + path + "' --tables '" +
-                              folder.path("tables.cpp") + "' --classes '" +
-                              folder.path("classes.cpp") + "' --keys '" + folder.path("keys") +
-                              "' --namespace-function faulty 2>&1";
-  FILE* pipe = ::popen(command.c_str(), "r");
+std::string programs() {
+  return (std::filesystem::path(SKERROW_CASES) / ".." / ".." / "scripting" / "dictionary").string();
+}
+
+Outcome run(const std::string& command) {
+  FILE* pipe = ::popen((command + " 2>&1").c_str(), "r");
   if (pipe == nullptr) return {-1, "no process"};
   std::string output;
   std::array<char, 4096> piece{};
@@ -39,6 +38,38 @@ Outcome generate(const ScratchFolder& folder, const std::string& definition) {
   }
   const int status = ::pclose(pipe);
   return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
+}
+
+Outcome generate(const ScratchFolder& folder, const std::string& definition) {
+  const std::string path = folder.write("Faulty.sdef", definition);
+  return run("python3 -B '" + programs() + "/generate_dictionary.py' '" + path + "' --tables '" +
+             folder.path("tables.cpp") + "' --classes '" + folder.path("classes.cpp") +
+             "' --keys '" + folder.path("keys") + "' --namespace-function faulty");
+}
+
+// What is wrong with each of several definitions, a line for each, from one process.
+std::vector<std::string> problemsOf(const std::vector<std::string>& definitions) {
+  const ScratchFolder folder;
+  const std::string program = folder.write("read_all.py",
+                                           "import sys\n"
+                                           "sys.path.insert(0, sys.argv[1])\n"
+                                           "from definition import Malformed, read\n"
+                                           "for path in sys.argv[2:]:\n"
+                                           "    try:\n"
+                                           "        read(path)\n"
+                                           "        print('nothing')\n"
+                                           "    except Malformed as problem:\n"
+                                           "        print(problem)\n");
+  std::string command = "python3 -B '" + program + "' '" + programs() + "'";
+  for (std::size_t i = 0; i < definitions.size(); ++i) {
+    command += " '" + folder.write(std::to_string(i) + ".sdef", definitions[i]) + "'";
+  }
+  const Outcome outcome = run(command);
+  EXPECT_EQ(outcome.status, 0) << outcome.output;
+  std::vector<std::string> lines;
+  std::istringstream output(outcome.output);
+  for (std::string line; std::getline(output, line);) lines.push_back(line);
+  return lines;
 }
 
 std::string inDictionary(const std::string& content) {
@@ -61,7 +92,7 @@ struct Row {
   const char* message;
 };
 
-TEST(DictionaryGenerator, SaysWhatIsWrongWithADefinitionAndWritesNothing) {
+TEST(Definition, IsRefusedWithWhatIsWrongWithIt) {
   const std::string twice = parameter(R"(name="a" code="aaaa" type="text")");
   const Row rows[] = {
       {"no XML", "words", "syntax error: line 1, column 0"},
@@ -239,16 +270,24 @@ TEST(DictionaryGenerator, SaysWhatIsWrongWithADefinitionAndWritesNothing) {
       {"an enumeration without a code", inDictionary(R"(<enumeration name="c"/>)"),
        "<enumeration name=\"c\"> has no code"},
   };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.about);
-    const ScratchFolder folder;
-    const Outcome outcome = generate(folder, row.definition);
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.output, folder.path("Faulty.sdef") + ": " + row.message + "\n");
-    EXPECT_FALSE(std::filesystem::exists(folder.path("tables.cpp")));
-    EXPECT_FALSE(std::filesystem::exists(folder.path("classes.cpp")));
-    EXPECT_FALSE(std::filesystem::exists(folder.path("keys")));
+  std::vector<std::string> definitions;
+  for (const Row& row : rows) definitions.push_back(row.definition);
+  const std::vector<std::string> problems = problemsOf(definitions);
+  ASSERT_EQ(problems.size(), std::size(rows));
+  for (std::size_t i = 0; i < problems.size(); ++i) {
+    EXPECT_EQ(problems[i], rows[i].message) << rows[i].about;
   }
+}
+
+TEST(DictionaryGenerator, SaysWhatIsWrongWithADefinitionAndWritesNothing) {
+  const ScratchFolder folder;
+  const Outcome outcome = generate(folder, inDictionary(R"(<enumeration name="c"/>)"));
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.output,
+            folder.path("Faulty.sdef") + ": <enumeration name=\"c\"> has no code\n");
+  EXPECT_FALSE(std::filesystem::exists(folder.path("tables.cpp")));
+  EXPECT_FALSE(std::filesystem::exists(folder.path("classes.cpp")));
+  EXPECT_FALSE(std::filesystem::exists(folder.path("keys")));
 }
 
 TEST(DictionaryGenerator, NamesACodeThatBeginsLikeHexadecimalAndIsNone) {
