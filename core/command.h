@@ -1,8 +1,9 @@
 #pragma once
 // Command: the base of every scripting command. The scripting layer creates an
 // instance, fills it in with `prepare` and calls `perform` on the main thread; the
-// command checks what needs no work, suspends, and computes on a worker thread. It
-// resumes exactly once, with a result, with nothing, or with its script error.
+// command checks what needs no work, suspends, and works on a worker thread, or on the
+// main thread in steps that come later. It resumes exactly once, with a result, with
+// nothing, or with its script error.
 //
 // A command overrides `check` and `compute` and fails by throwing ScriptError.
 // It owns what it reads in `check`; after suspension only its task touches it.
@@ -11,66 +12,38 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <stop_token>
 #include <string>
-#include <string_view>
 #include <utility>
-#include <variant>
-#include <vector>
 
-#include "core/argument_key.h"
-#include "core/cancel_token.h"
+#include "core/arguments.h"
+#include "core/command_context.h"
+#include "core/item_source.h"
+#include "core/reply.h"
 #include "core/script_error.h"
-#include "core/shared_services.h"
-#include "platform/clock.h"
 #include "platform/platform.h"
 #include "values/script_value.h"
 #include "values/value.h"
 
+namespace skerrow::work {
+class MemoryExceeded;
+}
+
 namespace skerrow::core {
 
-class ApplicationDelegate;
-class ScriptCompiler;
-class WorkerPool;
-
-/// What a command ends with: a result, nothing, or an error.
-using Reply = std::variant<std::optional<ScriptValue>, ScriptError>;
-
-/// Receives the reply of a suspended command, on whichever thread it resumes.
-using ReplyReceiver = std::function<void(Reply)>;
-
-/// What surrounds a command. Everything that it refers to outlives the command.
-struct CommandContext {
-  ApplicationDelegate& delegate;
-  WorkerPool& pool;
-  const ScriptCompiler& compiler;
-  const platform::Platform& platform;
-  const platform::Clock& clock;
-  /// What commands share. A command that needs a service in its task takes hold of
-  /// it in its checks.
-  std::shared_ptr<SharedServices> services = std::make_shared<SharedServices>();
-};
-
-/// The arguments that a script gave, by key, as the scripting layer evaluated
-/// them: plain Values, lists of raw items, or raw values, as each is declared.
-class Arguments {
- public:
-  void set(ArgumentKey key, Value value);
-
-  /// The argument, or null when the script left it out.
-  [[nodiscard]] const Value* find(ArgumentKey key) const noexcept;
-  [[nodiscard]] bool has(ArgumentKey key) const noexcept { return find(key) != nullptr; }
-  /// Set when present and true.
-  [[nodiscard]] bool isSet(ArgumentKey key) const noexcept;
-  /// The integer given, or nothing. The argument is declared as an integer.
-  [[nodiscard]] std::optional<std::int64_t> integer(ArgumentKey key) const noexcept;
-
- private:
-  std::vector<std::pair<ArgumentKey, Value>> values_;
-};
+/// The failure (-108) of work that would have taken more memory than it may, which says
+/// what would have been too large.
+[[nodiscard]] ScriptError tooMuchMemory(const work::MemoryExceeded& exceeded);
+/// The same where the system had none left.
+[[nodiscard]] ScriptError noMemory();
 
 class Command : public std::enable_shared_from_this<Command> {
  public:
   enum class State { created, checking, suspended, resumed };
+
+  /// When a command that is told to stop does so: at its next look, or when the item at
+  /// hand is finished, because it changes something that must not be left half done.
+  enum class Stopping { atOnce, afterItem };
 
   Command() = default;
   Command(const Command&) = delete;
@@ -86,23 +59,29 @@ class Command : public std::enable_shared_from_this<Command> {
   /// thread only.
   std::optional<Reply> perform();
 
+  [[nodiscard]] virtual Stopping stopping() const { return Stopping::atOnce; }
+
   [[nodiscard]] State state() const noexcept { return state_.load(); }
   /// The failure that was recorded, if any.
   [[nodiscard]] const std::optional<ScriptError>& scriptError() const noexcept {
     return scriptError_;
   }
-  /// Tells the task that nobody waits any more. Callable on any thread.
-  void cancel() const noexcept { cancelToken_.cancel(); }
+  /// What tells the command that nobody waits any more; it can be kept without keeping
+  /// the command.
+  [[nodiscard]] const std::stop_source& stopSource() const noexcept { return stopSource_; }
 
  protected:
-  /// How the idle-quit timer is used: most commands restart it as they start;
-  /// long ones stop it and restart it when their work ends.
-  enum class QuitTimer { restartedAtStart, stoppedWhileWorking };
+  /// How the idle-quit timer is used: most commands restart it as they start; long ones
+  /// stop it and restart it when their work ends; one that runs a script restarts it only
+  /// when that ends.
+  enum class QuitTimer { restartedAtStart, stoppedWhileWorking, restartedAtEnd };
+  /// Where the work is done.
+  enum class Place { worker, mainThread };
 
   [[nodiscard]] virtual QuitTimer quitTimer() const { return QuitTimer::restartedAtStart; }
+  [[nodiscard]] virtual Place place() const { return Place::worker; }
 
-  /// The common shape: restarts the timer, checks, suspends and queues the task.
-  /// A command that computes at once overrides it and returns its result.
+  /// The common shape: sees to the timer, checks, and has the work done in its place.
   virtual std::optional<Value> performDefaultImplementation();
 
   /// Reads the arguments and runs the checks that need no work.
@@ -111,13 +90,21 @@ class Command : public std::enable_shared_from_this<Command> {
   /// For `check`: this is the result, and there is no work to do.
   void answerAtOnce(Value result) { immediateResult_ = std::move(result); }
 
-  /// The work, on a worker thread. Nothing is a result too.
+  /// The work. Nothing is a result too. On the main thread it may suspend the command and
+  /// go on later.
   virtual std::optional<Value> compute() = 0;
 
-  /// For `compute`: keeps values that are not needed any more until the script has
-  /// its answer, as giving the memory of many back can take as long as the work.
-  void discard(std::vector<Value> values) { discarded_.push_back(std::move(values)); }
-  void discard(std::vector<ScriptValue> values) { discardedGiven_.push_back(std::move(values)); }
+  /// For the end of a task, instead of a result: the list that these items make.
+  void answerWithItems(std::unique_ptr<ItemSource> items);
+
+  // For a command in its place on the main thread, once it is suspended there.
+
+  /// What makes a callback of a step: when it is called, on the main thread, the step runs,
+  /// and what it throws is the command's failure. Once the command has resumed or was told
+  /// to stop, its steps are left out.
+  [[nodiscard]] std::function<void()> laterStep(std::function<void()> step);
+  /// Resumes the command from one of its steps.
+  void finish(std::optional<Value> result);
 
   [[nodiscard]] const std::optional<ScriptValue>& directParameter() const noexcept {
     return directParameter_;
@@ -128,7 +115,6 @@ class Command : public std::enable_shared_from_this<Command> {
   }
   [[nodiscard]] const Arguments& evaluatedArguments() const noexcept { return arguments_; }
   [[nodiscard]] const CommandContext& context() const { return context_.value(); }
-  [[nodiscard]] const CancelToken& cancelToken() const noexcept { return cancelToken_; }
 
   // The two halves of the script error, for a failure that is recorded rather
   // than thrown. What is thrown is recorded by the runner.
@@ -136,8 +122,11 @@ class Command : public std::enable_shared_from_this<Command> {
   void setScriptErrorString(std::string message);
 
   void suspendExecution();
-  /// Ends the script's wait: with the script error if one is set, else with the
-  /// result or nothing. Throws std::logic_error when the command is not suspended.
+  /// Has `compute` run on a worker, whether the command is suspended or not; main thread.
+  void queueTask();
+  /// Ends the script's wait: with the script error if one is set, else with the result or
+  /// nothing. Throws std::logic_error when the command neither is suspended nor has queued
+  /// its task, and when it has resumed already.
   void resumeExecutionWithResult(std::optional<ScriptValue> result);
 
   /// Ends the task so that the script never hears of it and waits until its own
@@ -145,6 +134,8 @@ class Command : public std::enable_shared_from_this<Command> {
   [[noreturn]] static void leaveUnanswered(ScriptError error);
 
  private:
+  class TaskItems;
+
   /// How a piece of a command's work ended.
   struct Outcome {
     std::optional<ScriptValue> result;
@@ -153,20 +144,24 @@ class Command : public std::enable_shared_from_this<Command> {
   };
 
   // The one place where failures are caught: they become the script error.
-  Outcome guarded(const std::function<std::optional<Value>()>& work) noexcept;
+  Outcome guarded(const std::function<std::optional<ScriptValue>()>& work) noexcept;
   void recordCurrentException(bool& isAnswered);
-  [[nodiscard]] Reply replyWith(std::optional<ScriptValue> result);
+  // The same on a worker, where the work can be stopped and its memory is measured.
+  Outcome measured(const std::function<std::optional<ScriptValue>()>& work) noexcept;
   void runTask();
+  bool tryToResume(Reply reply);
+  void restartTimerAtEnd();
+  [[nodiscard]] Reply replyWith(std::optional<ScriptValue> result);
 
   std::optional<ScriptValue> directParameter_;
   Arguments arguments_;
   std::optional<CommandContext> context_;
   ReplyReceiver receiver_;
-  CancelToken cancelToken_;
-  std::vector<std::vector<Value>> discarded_;
-  std::vector<std::vector<ScriptValue>> discardedGiven_;
+  std::stop_source stopSource_;
   std::optional<Value> immediateResult_;
+  std::unique_ptr<ItemSource> items_;
   std::optional<ScriptError> scriptError_;
+  std::atomic<bool> hasTask_ = false;
   std::atomic<State> state_ = State::created;
 };
 

@@ -23,7 +23,7 @@ bool isWhatTheEngineFinds(const std::vector<Value>& matches, const Text& subject
                           const Text& pattern, const text::RegexCall& call) {
   auto engine = skerrow::foundation::CompiledRegex::compile(pattern.view(), call.options);
   engine.setSubject(subject.view(), *call.range);
-  skerrow::foundation::MatchMonitor monitor(call.watch);
+  skerrow::foundation::MatchMonitor monitor(call.timeLimit);
   std::size_t count = 0;
   try {
     while (engine.findNext(monitor)) {
@@ -48,11 +48,10 @@ skerrow::foundation::UnitRange rangeFrom(std::uint8_t start, std::uint8_t end, s
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size < 4) return 0;
   static text::RegexService regex;
-  const skerrow::foundation::MatchWatch watch{.timeLimit = std::chrono::milliseconds(20)};
   const std::string bytes(reinterpret_cast<const char*>(data), size);
   text::RegexCall call{
       .options = static_cast<text::RegexOptions>(data[0] & 0x2FU) | ((data[1] & 1U) << 8U),
-      .watch = &watch};
+      .timeLimit = std::chrono::milliseconds(20)};
   const std::u16string units = skerrow::foundation::utf16FromUtf8Replacing(bytes.substr(4));
   const std::size_t border = std::min(units.find(u'\0'), units.size());
   const Text pattern(units.substr(0, border));

@@ -17,6 +17,7 @@
 #include "foundation/predicate/predicate.h"
 #include "foundation/text/quoted_text.h"
 #include "lists/list_input.h"
+#include "work/stopping.h"
 
 namespace skerrow::lists {
 
@@ -125,25 +126,22 @@ class SKWFilterLists final : public core::Command {
   }
 
   std::optional<Value> compute() override {
-    std::vector<ScriptValue> items = (*takeDirectParameter()).takeItems();
+    given_ = (*takeDirectParameter()).takeItems();
     const bool isInSublists = evaluatedArguments().isSet(key::doSublists);
     const auto isList = [](const ScriptValue& item) { return item.type() == "list"_code; };
-    if (isInSublists && !std::ranges::all_of(items, isList)) {
+    if (isInSublists && !std::ranges::all_of(given_, isList)) {
       throw ScriptError(kSublistNotAList);
     }
     std::vector<Predicate> predicates;
     if (const Value* given = evaluatedArguments().find(key::predicateList)) {
       predicates = predicatesFrom(given->raw(), surroundings());
-      for (Predicate& predicate : predicates) {
-        predicate.setLook([this] { cancelToken().throwIfCancelled(); });
-      }
     }
     try {
-      if (!isInSublists) return filtered(std::move(items), predicates);
+      if (!isInSublists) return filtered(given_, predicates);
       Items sublists;
-      sublists.reserve(items.size());
-      for (ScriptValue& item : items) {
-        sublists.emplace_back(filtered(std::move(item).takeItems(), predicates));
+      sublists.reserve(given_.size());
+      for (const ScriptValue& item : given_) {
+        sublists.emplace_back(filtered(item.items(), predicates));
       }
       return sublists;
     } catch (const PredicateError& error) {
@@ -160,8 +158,8 @@ class SKWFilterLists final : public core::Command {
 
   // The items for which all predicates are true. An item is unpacked just before the
   // first predicate is asked, as one that it is not true of is needed no more.
-  [[nodiscard]] Items filtered(std::vector<ScriptValue> items,
-                               std::span<const Predicate> predicates) {
+  [[nodiscard]] static Items filtered(std::span<const ScriptValue> items,
+                                      std::span<const Predicate> predicates) {
     Items kept;
     for (const ScriptValue& item : items) {
       Value value = core::unpack(item).value_or(Value());
@@ -169,7 +167,6 @@ class SKWFilterLists final : public core::Command {
         kept.push_back(std::move(value));
       }
     }
-    discard(std::move(items));
     for (const Predicate& predicate :
          predicates.subspan(std::min<std::size_t>(1, predicates.size()))) {
       std::erase_if(kept, [&](const Value& value) { return !isTrueOf(predicate, value); });
@@ -177,10 +174,13 @@ class SKWFilterLists final : public core::Command {
     return kept;
   }
 
-  bool isTrueOf(const Predicate& predicate, const Value& value) {
-    cancelToken().throwIfCancelled();
+  static bool isTrueOf(const Predicate& predicate, const Value& value) {
+    work::stopIfAsked();
     return predicate.evaluate(value);
   }
+
+  // A member, as what is given back with the command keeps no script waiting.
+  std::vector<ScriptValue> given_;
 };
 
 }  // namespace

@@ -17,6 +17,7 @@
 #include "lists/list_input.h"
 #include "values/keys.h"
 #include "values/record.h"
+#include "work/stopping.h"
 
 namespace skerrow::lists {
 
@@ -132,7 +133,7 @@ class SKWMergeRecords final : public core::Command {
     if (type == MergeType::mergeSubtract) return records.front();
     GrowingRecord merged(records.front().record());
     for (const Value& record : records.subspan(1)) {
-      cancelToken().throwIfCancelled();
+      work::stopIfAsked();
       merged.merge(record.record(), type);
     }
     return std::move(merged).finish();

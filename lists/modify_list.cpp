@@ -16,6 +16,7 @@
 #include "lists/distinct.h"
 #include "values/script_value.h"
 #include "values/value_index.h"
+#include "work/stopping.h"
 
 namespace skerrow::lists {
 
@@ -109,7 +110,7 @@ std::int64_t integerFrom(const Value& value) {
 struct Givens {
   const Value& argument;
   std::int64_t beforeIndex;
-  const std::function<void(Items)>& discard;  // for many items that are not needed any more
+  std::vector<Items>& remains;  // takes many items that are not needed any more
 };
 
 void pad(Items& list, const Givens& givens) {
@@ -216,7 +217,7 @@ void keepDistinctWhere(Items& list, const Givens& givens, IsWanted&& isWanted) {
   const Items& compared = contents.empty() ? list : contents;
   Items kept = takeDistinct(list, contents,
                             [&](std::size_t position) { return isWanted(compared[position]); });
-  givens.discard(std::exchange(list, std::move(kept)));
+  givens.remains.push_back(std::exchange(list, std::move(kept)));
 }
 
 void intersect(Items& list, const Givens& givens) {
@@ -351,7 +352,7 @@ std::optional<Value> SKWModifyList::compute() {
   if (!evaluatedArguments().isSet(key::doSublists)) return changed(std::move(list).takeItems());
   Items packed;
   for (Value& sublist : std::move(list).takeItems()) {
-    cancelToken().throwIfCancelled();
+    work::stopIfAsked();
     packed.push_back(changed(takeRow(sublist, kNotAList)));
   }
   auto joined = core::makeListDescriptorForArrayOfDescriptors(packed);
@@ -360,10 +361,9 @@ std::optional<Value> SKWModifyList::compute() {
 }
 
 Value SKWModifyList::changed(Items list) {
-  const std::function<void(Items)> toDiscard = [this](Items items) { discard(std::move(items)); };
   for (const Requested& requested : requested_) {
-    cancelToken().throwIfCancelled();
-    requested.change.apply(list, {requested.argument, beforeIndex_, toDiscard});
+    work::stopIfAsked();
+    requested.change.apply(list, {requested.argument, beforeIndex_, remains_});
   }
   return core::makeDescriptorForArray(std::move(list));
 }

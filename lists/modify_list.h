@@ -55,6 +55,8 @@ class SKWModifyList final : public core::Command {
   struct Requested;
   std::vector<Requested> requested_;  // the changes asked for, in the order in which they are made
   std::int64_t beforeIndex_ = 1;
+  // What is given back with the command keeps no script waiting.
+  std::vector<Items> remains_;
 };
 
 }  // namespace skerrow::lists

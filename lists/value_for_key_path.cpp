@@ -36,10 +36,8 @@ class SKWValueForKeyPathCommand final : public core::Command {
 
   std::optional<Value> compute() override {
     const Value item = core::unpack(std::move(item_)).value_or(Value());
-    foundation::StepBudget steps(foundation::StepBudget::kUnlimited,
-                                 [this] { cancelToken().throwIfCancelled(); });
     try {
-      return foundation::KeyPath(path_.view()).valueIn(item, std::move(steps));
+      return foundation::KeyPath(path_.view()).valueIn(item);
     } catch (const foundation::KeyPathError& error) {
       throw core::ScriptError(kLookupFailed, error.reason());
     }

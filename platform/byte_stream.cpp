@@ -72,9 +72,16 @@ void OutputStream::write(std::string_view bytes) {
   used_ += bytes.size();
 }
 
+bool OutputStream::goBackTo(Place place) noexcept {
+  if (place.flushes != flushes_) return false;
+  used_ = place.used;
+  return true;
+}
+
 void OutputStream::flush() { writeAll(buffer_.data(), std::exchange(used_, 0)); }
 
 void OutputStream::writeAll(const char* bytes, std::size_t count) {
+  ++flushes_;
   while (count > 0) {
     const ssize_t written = ::write(descriptor_, bytes, count);
     if (written < 0) {

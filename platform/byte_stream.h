@@ -46,6 +46,15 @@ class OutputStream {
   /// Hands everything to the system; throws when it does not take it.
   void flush();
 
+  /// A place in what is written.
+  struct Place {
+    std::size_t flushes;
+    std::size_t used;
+  };
+  [[nodiscard]] Place place() const noexcept { return {flushes_, used_}; }
+  /// Takes back what was written behind a place; false where it has been handed over.
+  bool goBackTo(Place place) noexcept;
+
  private:
   static constexpr std::size_t kCapacity = 64 * 1024;
 
@@ -55,6 +64,7 @@ class OutputStream {
   int descriptor_;
   std::string name_;
   std::size_t used_ = 0;
+  std::size_t flushes_ = 0;
   // Inside, as giving a large block back makes the allocator tidy all that it has, at the
   // very time when somebody waits for the end.
   std::array<char, kCapacity> buffer_{};

@@ -94,8 +94,7 @@ class SKWCleanString final : public core::Command {
   [[nodiscard]] std::optional<Value> cleanTextWithin(const ScriptValue& value) const {
     return mapTexts(value,
                     {.convert = [this](const Text& text) { return cleanTheText(text); },
-                     .textFromFile = readingFiles(context().platform.contents, kUnreadableFile),
-                     .cancelToken = cancelToken()});
+                     .textFromFile = readingFiles(context().platform.contents, kUnreadableFile)});
   }
 
   [[nodiscard]] std::optional<Value> cleanTheText(const Text& given) const {
@@ -113,7 +112,7 @@ class SKWCleanString final : public core::Command {
   }
 
   bool replace(WorkingText& text, const PatternReplacement& replacement) const {
-    return replaceMatchesIn(text, replacement, *service_, cancelToken());
+    return replaceMatchesIn(text, replacement, *service_);
   }
 
   std::shared_ptr<RegexService> service_;

@@ -88,13 +88,11 @@ class SKWConvertStrings final : public core::Command {
         DateParser::make(format_->view(), foundation::userLocale(environment()),
                          foundation::userTimeZone(environment()));
     if (!parser) throw ScriptError(kBadFormat);
-    return convertTextOrTexts(*takeDirectParameter(), kNotTexts, cancelToken(),
-                              [&parser](const Text& text) {
-                                const std::optional<Date> date = parser->parse(text.view());
-                                if (!date)
-                                  throw ScriptError(kNotADate, foundation::shortened(text.view()));
-                                return Value(*date);
-                              });
+    return convertTextOrTexts(*takeDirectParameter(), kNotTexts, [&parser](const Text& text) {
+      const std::optional<Date> date = parser->parse(text.view());
+      if (!date) throw ScriptError(kNotADate, foundation::shortened(text.view()));
+      return Value(*date);
+    });
   }
 
   [[nodiscard]] Value numbers() {
@@ -102,7 +100,7 @@ class SKWConvertStrings final : public core::Command {
         isLocalized_ ? NumberSymbols::ofLocale(foundation::userLocale(environment()))
                      : NumberSymbols();
     return convertTextOrTexts(
-        *takeDirectParameter(), kNotTexts, cancelToken(), [this, &symbols](const Text& text) {
+        *takeDirectParameter(), kNotTexts, [this, &symbols](const Text& text) {
           const auto scanned = foundation::scanReal(text.view(), symbols);
           if (!scanned) throw ScriptError(kNotANumber, foundation::shortened(text.view()));
           if (std::isinf(scanned->value)) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "foundation/text/character_sets.h"
+#include "work/stopping.h"
 
 namespace skerrow::text {
 
@@ -33,14 +34,12 @@ constexpr auto kSpecialBelow = [] {
 // the one before had.
 class Rows {
  public:
-  explicit Rows(const core::CancelToken& cancelToken) : cancelToken_(cancelToken) {}
-
   void addField(std::u16string_view field) { row_.emplace_back(field); }
   void addField(std::u16string&& field) { row_.emplace_back(std::move(field)); }
   [[nodiscard]] bool hasFields() const { return !row_.empty(); }
 
   void endRow() {
-    if (rows_.size() % kRowsBetweenChecks == 0) cancelToken_.throwIfCancelled();
+    if (rows_.size() % kRowsBetweenChecks == 0) work::stopIfAsked();
     const std::size_t count = row_.size();
     rows_.emplace_back(std::exchange(row_, {}));
     row_.reserve(count);
@@ -49,7 +48,6 @@ class Rows {
   [[nodiscard]] Value take() && { return std::move(rows_); }
 
  private:
-  const core::CancelToken& cancelToken_;
   Items row_;
   Items rows_;
 };
@@ -88,8 +86,7 @@ class Field {
 
 class CsvReader {
  public:
-  CsvReader(std::u16string_view text, const core::CancelToken& cancelToken)
-      : text_(text), rows_(cancelToken) {}
+  CsvReader(std::u16string_view text) : text_(text) {}
 
   Value read() && {
     while (position_ < text_.size()) readRow();
@@ -158,12 +155,10 @@ constexpr bool endsParagraph(char16_t unit) {
 
 }  // namespace
 
-Value parseCSVIn(std::u16string_view text, const core::CancelToken& cancelToken) {
-  return CsvReader(text, cancelToken).read();
-}
+Value parseCSVIn(std::u16string_view text) { return CsvReader(text).read(); }
 
-Value parseTSVIn(std::u16string_view text, const core::CancelToken& cancelToken) {
-  Rows rows(cancelToken);
+Value parseTSVIn(std::u16string_view text) {
+  Rows rows;
   std::size_t begin = 0;
   bool isInParagraph = false;
   for (std::size_t i = 0; i < text.size(); ++i) {

@@ -18,6 +18,7 @@
 #include "text/pattern_replacement.h"
 #include "text/regex/regex_service.h"
 #include "text/text_input.h"
+#include "work/stopping.h"
 
 namespace skerrow::text {
 
@@ -86,8 +87,6 @@ class SKWFindIt final : public core::Command {
     if (searched == nullptr) throw ScriptError(kNotTexts);
     searched_ = searched->raw();
     service_ = sharedRegexService(context());
-    watch_ = watchFor(cancelToken());
-    call_.watch = &watch_;
   }
 
   std::optional<Value> compute() override {
@@ -107,7 +106,7 @@ class SKWFindIt final : public core::Command {
     Items results;
     results.reserve(searched.items().size());
     for (const Value& item : searched.items()) {
-      cancelToken().throwIfCancelled();
+      work::stopIfAsked();
       if (!item.isText()) throw ScriptError(kItemNotText);
       results.push_back(searchTheText(item.sharedText()));
     }
@@ -135,15 +134,13 @@ class SKWFindIt final : public core::Command {
                        return service_->stringByReplacingOccurrencesOfRegex(text, pattern_,
                                                                             *replacement_, call_);
                      },
-                     .textFromFile = readingFiles(context().platform.contents, kUnreadableFile),
-                     .cancelToken = cancelToken()});
+                     .textFromFile = readingFiles(context().platform.contents, kUnreadableFile)});
   }
 
   std::shared_ptr<RegexService> service_;
   ScriptValue searched_;
   Text pattern_;
   std::optional<Text> replacement_;
-  foundation::MatchWatch watch_;
   RegexCall call_;
   std::int64_t capture_ = 0;
   bool isInverted_ = false;

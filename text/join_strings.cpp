@@ -15,6 +15,7 @@
 #include "core/script_error.h"
 #include "core/unpack.h"
 #include "text/text_input.h"
+#include "work/stopping.h"
 
 namespace skerrow::text {
 
@@ -74,7 +75,7 @@ class SKWJoinStrings final : public core::Command {
     Items results;
     results.reserve(unpacked.items().size());
     for (const Value& list : unpacked.items()) {
-      cancelToken().throwIfCancelled();
+      work::stopIfAsked();
       results.push_back(joined(list.items()));
     }
     return results;
@@ -100,7 +101,7 @@ class SKWJoinStrings final : public core::Command {
     Items columns;
     columns.reserve(width);
     for (std::size_t column = 0; column < width; ++column) {
-      cancelToken().throwIfCancelled();
+      work::stopIfAsked();
       columns.push_back(joinedTexts(
           lists.size(), [&](std::size_t i) -> const Value& { return lists[i].items()[column]; }));
     }

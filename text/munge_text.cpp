@@ -33,6 +33,7 @@
 #include "text/space_tidying.h"
 #include "text/text_input.h"
 #include "text/working_text.h"
+#include "work/stopping.h"
 
 namespace skerrow::text {
 
@@ -99,7 +100,7 @@ class SKWMungeText final : public core::Command {
   // A change of the text; false when nothing comes of it.
   using Effect = bool (SKWMungeText::*)(WorkingText&);
   // Makes a table of the text, which ends the chain.
-  using Table = Value (*)(std::u16string_view, const core::CancelToken&);
+  using Table = Value (*)(std::u16string_view);
   struct Modification {
     Code code;
     Effect effect;  // null where there is a table to be made
@@ -140,15 +141,14 @@ class SKWMungeText final : public core::Command {
   [[nodiscard]] std::optional<Value> mungeTextWithin(const ScriptValue& value) {
     return mapTexts(value,
                     {.convert = [this](const Text& text) { return mungeTheText(text); },
-                     .textFromFile = readingFiles(context().platform.contents, kUnreadableFile),
-                     .cancelToken = cancelToken()});
+                     .textFromFile = readingFiles(context().platform.contents, kUnreadableFile)});
   }
 
   [[nodiscard]] std::optional<Value> mungeTheText(const Text& given) {
     WorkingText text(given);
     for (const Modification& modification : modOptions_) {
-      cancelToken().throwIfCancelled();
-      if (modification.table != nullptr) return modification.table(text.view(), cancelToken());
+      work::stopIfAsked();
+      if (modification.table != nullptr) return modification.table(text.view());
       if (!(this->*modification.effect)(text)) return std::nullopt;
     }
     return text.text();
@@ -248,8 +248,8 @@ class SKWMungeText final : public core::Command {
   }
 
   bool removeBlankLines(WorkingText& text) {
-    return replaceMatchesIn(text, kBlankLines, *service_, cancelToken()) &&
-           replaceMatchesIn(text, kLastBlankLine, *service_, cancelToken());
+    return replaceMatchesIn(text, kBlankLines, *service_) &&
+           replaceMatchesIn(text, kLastBlankLine, *service_);
   }
 
   std::vector<Modification> modOptions_;

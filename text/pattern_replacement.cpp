@@ -6,21 +6,12 @@ std::shared_ptr<RegexService> sharedRegexService(const core::CommandContext& con
   return context.services->of<RegexService>();
 }
 
-foundation::MatchWatch watchFor(const core::CancelToken& cancelToken) {
-  return {.isStopped = [cancelToken] {
-    cancelToken.throwIfCancelled();
-    return false;
-  }};
-}
-
 bool replaceMatchesIn(WorkingText& text, const PatternReplacement& replacement,
-                      RegexService& service, const core::CancelToken& cancelToken) {
-  const foundation::MatchWatch watch = watchFor(cancelToken);
+                      RegexService& service) {
   const Text pattern(replacement.usingPattern);
   const Text withString(replacement.withString);
   try {
-    text = service.stringByReplacingOccurrencesOfRegex(text.text(), pattern, withString,
-                                                       {.watch = &watch});
+    text = service.stringByReplacingOccurrencesOfRegex(text.text(), pattern, withString, {});
     return true;
   } catch (const RegexException&) {
     return false;

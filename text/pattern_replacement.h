@@ -5,9 +5,7 @@
 #include <memory>
 #include <string_view>
 
-#include "core/cancel_token.h"
 #include "core/command.h"
-#include "foundation/regex/match_watch.h"
 #include "text/regex/regex_service.h"
 #include "text/working_text.h"
 
@@ -15,9 +13,6 @@ namespace skerrow::text {
 
 /// The service that all commands share.
 std::shared_ptr<RegexService> sharedRegexService(const core::CommandContext& context);
-
-/// Ends a long match, by throwing Cancelled, when nobody waits for the command.
-foundation::MatchWatch watchFor(const core::CancelToken& cancelToken);
 
 /// A fixed pattern, without options, and the template that its matches give way to.
 struct PatternReplacement {
@@ -28,6 +23,6 @@ struct PatternReplacement {
 /// Replaces every match in the whole text. False where the service cannot, and then
 /// nothing comes of the text.
 bool replaceMatchesIn(WorkingText& text, const PatternReplacement& replacement,
-                      RegexService& service, const core::CancelToken& cancelToken);
+                      RegexService& service);
 
 }  // namespace skerrow::text

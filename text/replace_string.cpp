@@ -55,8 +55,7 @@ class SKWReplaceString final : public core::Command {
          .textFromFile =
              [this](const ScriptValue& file) {
                return addressOfReadableFile(file, context().platform.contents);
-             },
-         .cancelToken = cancelToken()});
+             }});
   }
 
   // Without a replacement, and where nothing is found, the text as it is.

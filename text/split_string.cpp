@@ -116,7 +116,7 @@ class SKWSplitString final : public core::Command {
   }
 
   std::optional<Value> compute() override {
-    return convertTextOrTexts(*takeDirectParameter(), kNotTexts, cancelToken(),
+    return convertTextOrTexts(*takeDirectParameter(), kNotTexts,
                               [this](const Text& text) { return piecesOf(text); });
   }
 

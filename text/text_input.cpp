@@ -4,6 +4,7 @@
 
 #include "core/unpack.h"
 #include "platform/platform_error.h"
+#include "work/stopping.h"
 
 namespace skerrow::text {
 
@@ -19,7 +20,7 @@ std::optional<Value> mapList(std::span<const ScriptValue> items, const TextMappi
   std::vector<Value> mapped;
   mapped.reserve(items.size());
   for (const ScriptValue& item : items) {
-    mapping.cancelToken.throwIfCancelled();
+    work::stopIfAsked();
     std::optional<Value> value = mapTexts(item, mapping);
     if (!value) return std::nullopt;
     mapped.push_back(std::move(*value));
@@ -64,7 +65,6 @@ void requireTextOrList(const std::optional<ScriptValue>& direct, const ErrorEntr
 bool isEmptyList(const ScriptValue& value) { return isList(value) && value.items().empty(); }
 
 Value convertTextOrTexts(const ScriptValue& textOrList, const ErrorEntry& otherwise,
-                         const core::CancelToken& cancelToken,
                          const std::function<Value(const Text&)>& convert) {
   const auto converted = [&](const ScriptValue& item) {
     const std::optional<Text> text = core::textFromScriptValue(item);
@@ -75,7 +75,7 @@ Value convertTextOrTexts(const ScriptValue& textOrList, const ErrorEntry& otherw
   std::vector<Value> results;
   results.reserve(textOrList.items().size());
   for (const ScriptValue& item : textOrList.items()) {
-    cancelToken.throwIfCancelled();
+    work::stopIfAsked();
     results.push_back(converted(item));
   }
   return results;

@@ -1,13 +1,12 @@
 #pragma once
 // What the commands of this room take in: texts, lists of texts at any depth, and
 // files, each file standing for the text in it. Files are only read. For the
-// command's task; the work stops, by throwing, when the command is cancelled.
+// command's task; the work stops, by throwing, when the command is told to stop.
 
 #include <functional>
 #include <optional>
 #include <vector>
 
-#include "core/cancel_token.h"
 #include "core/script_error.h"
 #include "platform/file_contents.h"
 #include "values/script_value.h"
@@ -25,7 +24,6 @@ struct TextMapping {
   std::function<std::optional<Value>(const Text&)> convert;
   /// The text that stands for a file reference.
   std::function<Text(const ScriptValue& file)> textFromFile;
-  const core::CancelToken& cancelToken;
 };
 
 /// For `textFromFile`: the file's own text, by textOfFile.
@@ -45,7 +43,6 @@ void requireTextOrList(const std::optional<ScriptValue>& direct, const core::Err
 /// The conversion of a text, or the list of the conversions of a list's items.
 /// Throws the error for an item that is no text.
 Value convertTextOrTexts(const ScriptValue& textOrList, const core::ErrorEntry& otherwise,
-                         const core::CancelToken& cancelToken,
                          const std::function<Value(const Text&)>& convert);
 
 /// A text argument that may be left out.

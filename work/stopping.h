@@ -24,6 +24,9 @@ extern constinit thread_local const std::stop_token* watched;
   return detail::watched != nullptr && detail::watched->stop_requested();
 }
 
+/// Whether anybody could ask this thread to stop.
+[[nodiscard]] inline bool isWatched() noexcept { return detail::watched != nullptr; }
+
 /// The look that every loop takes. Throws Stopped.
 inline void stopIfAsked() {
   if (isStopAsked()) throw Stopped{};

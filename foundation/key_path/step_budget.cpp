@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "values/record.h"
+#include "work/stopping.h"
 
 namespace skerrow::foundation {
 
@@ -13,7 +14,7 @@ void StepBudget::share(std::uint64_t steps) noexcept {
 
 void StepBudget::spendAndLook(std::uint64_t steps) {
   if (steps - untilLook_ > afterLook_) throw TooManySteps();
-  if (look_) look_();
+  work::stopIfAsked();
   share(untilLook_ + afterLook_ - steps);
 }
 

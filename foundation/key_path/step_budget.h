@@ -1,14 +1,13 @@
 #pragma once
 // StepBudget: what one piece of work may cost. Work whose measure others decide, as
 // predicates and key paths are, counts its steps before it takes them, so that it
-// ends where it would have no end, and looks up from time to time.
+// ends where it would have no end, and looks from time to time whether it is still
+// wanted.
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <limits>
 #include <stdexcept>
-#include <utility>
 
 #include "values/value.h"
 
@@ -22,15 +21,9 @@ class TooManySteps : public std::runtime_error {
 
 class StepBudget {
  public:
-  /// Called now and then in the course of long work. What it throws ends the work.
-  using Look = std::function<void()>;
-
   static constexpr std::uint64_t kUnlimited = std::numeric_limits<std::uint64_t>::max();
 
-  explicit StepBudget(std::uint64_t maximum = kUnlimited, Look look = nullptr)
-      : maximum_(maximum), look_(std::move(look)) {
-    begin();
-  }
+  explicit StepBudget(std::uint64_t maximum = kUnlimited) : maximum_(maximum) { begin(); }
 
   /// Begins with new work that may take all the steps again.
   void begin() noexcept { share(maximum_); }
@@ -60,7 +53,6 @@ class StepBudget {
   std::uint64_t maximum_;
   std::uint64_t untilLook_ = 0;
   std::uint64_t afterLook_ = 0;
-  Look look_;
 };
 
 }  // namespace skerrow::foundation

@@ -21,13 +21,12 @@ struct Predicate::Compiled {
 
 Predicate::Predicate(std::shared_ptr<const Compiled> compiled) : compiled_(std::move(compiled)) {}
 
-Predicate::Predicate(const Predicate& other) : compiled_(other.compiled_), look_(other.look_) {}
+Predicate::Predicate(const Predicate& other) : compiled_(other.compiled_) {}
 Predicate::Predicate(Predicate&&) noexcept = default;
 Predicate::~Predicate() = default;
 
 Predicate& Predicate::operator=(Predicate other) noexcept {
   compiled_.swap(other.compiled_);
-  look_.swap(other.look_);
   evaluation_.swap(other.evaluation_);
   return *this;
 }
@@ -51,9 +50,8 @@ bool Predicate::evaluate(const Value& item, const Record& variables) const {
 
 bool Predicate::evaluate(const Value& item, const Record* variables) const {
   if (!evaluation_) {
-    evaluation_ = std::make_unique<PredicateEvaluation>(compiled_->parsed.variables.size(),
-                                                        compiled_->parsed.matchCount,
-                                                        compiled_->surroundings, look_);
+    evaluation_ = std::make_unique<PredicateEvaluation>(
+        compiled_->parsed.variables.size(), compiled_->parsed.matchCount, compiled_->surroundings);
   }
   try {
     evaluation_->begin(item, variables);
@@ -69,11 +67,6 @@ bool Predicate::evaluate(const Value& item, const Record* variables) const {
   } catch (const NestingTooDeep&) {
     throw PredicateError::failing(compiled_->format, kTooDeep);
   }
-}
-
-void Predicate::setLook(std::function<void()> look) {
-  look_ = std::move(look);
-  evaluation_.reset();
 }
 
 const std::u16string& Predicate::format() const noexcept { return compiled_->format; }

@@ -15,7 +15,6 @@
 // Copies share what was read. A predicate may be used on one thread at a time, a
 // copy of it on another.
 
-#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -48,10 +47,6 @@ class Predicate {
   /// The same with values for the variables, by their names without "$".
   [[nodiscard]] bool evaluate(const Value& item, const Record& variables) const;
 
-  /// Has something called now and then in the course of a long evaluation. What it
-  /// throws leaves `evaluate`.
-  void setLook(std::function<void()> look);
-
   [[nodiscard]] const std::u16string& format() const noexcept;
 
  private:
@@ -61,7 +56,6 @@ class Predicate {
   [[nodiscard]] bool evaluate(const Value& item, const Record* variables) const;
 
   std::shared_ptr<const Compiled> compiled_;
-  std::function<void()> look_;
   // Room for evaluations, made for the first one and never shared.
   mutable std::unique_ptr<PredicateEvaluation> evaluation_;
 };

@@ -220,11 +220,10 @@ Truth ComparisonCondition::relateTexts(const Value& left, const Value& right,
         relation_.options().caseInsensitive ? MatchCase::insensitive : MatchCase::sensitive;
     WholeMatch& match = evaluation.match(parts_.matchSlot);
     if (!relation_.options().diacriticInsensitive) {
-      return truthOf(match.matches(left.text(), right.text(), matchCase, evaluation.matchWatch()));
+      return truthOf(match.matches(left.text(), right.text(), matchCase));
     }
     return truthOf(match.matches(relation_.withoutDiacritics(left.text()),
-                                 relation_.withoutDiacritics(right.text()), matchCase,
-                                 evaluation.matchWatch()));
+                                 relation_.withoutDiacritics(right.text()), matchCase));
   }
   if (parts_.comparison == Comparison::beginsWith) {
     return isPartOf(left, right, TextPlace::atFront, evaluation);

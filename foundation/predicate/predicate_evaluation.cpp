@@ -1,27 +1,11 @@
 #include "foundation/predicate/predicate_evaluation.h"
 
-#include <chrono>
 #include <utility>
 
 #include "foundation/text/text_encoding.h"
 #include "foundation/text/user_preferences.h"
 
 namespace skerrow::foundation {
-
-PredicateEvaluation::PredicateEvaluation(std::size_t variableCount, std::size_t matchCount,
-                                         const PredicateSurroundings& surroundings,
-                                         StepBudget::Look look)
-    : surroundings_(surroundings),
-      variables_(variableCount),
-      steps_(kMaximumSteps, look),
-      matches_(matchCount) {
-  matchWatch_.timeLimit = std::chrono::seconds(3);
-  if (!look) return;
-  matchWatch_.isStopped = [look = std::move(look)] {
-    look();
-    return false;
-  };
-}
 
 const Value& PredicateEvaluation::variable(std::size_t slot, const Value& name) const {
   if (variables_[slot].isSet) return variables_[slot].value;

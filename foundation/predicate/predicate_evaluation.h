@@ -15,7 +15,6 @@
 #include "foundation/key_path/step_budget.h"
 #include "foundation/predicate/predicate_surroundings.h"
 #include "foundation/predicate/wildcard_pattern.h"
-#include "foundation/regex/match_watch.h"
 #include "foundation/regex/whole_match.h"
 #include "values/record.h"
 #include "values/value.h"
@@ -42,9 +41,10 @@ class EvaluationFault : public std::runtime_error {
 class PredicateEvaluation {
  public:
   /// A slot for every variable and every MATCHES of the predicate. The surroundings stay
-  /// where they are as long as this lives; `look` may be empty.
+  /// where they are as long as this lives.
   PredicateEvaluation(std::size_t variableCount, std::size_t matchCount,
-                      const PredicateSurroundings& surroundings, StepBudget::Look look);
+                      const PredicateSurroundings& surroundings)
+      : surroundings_(surroundings), variables_(variableCount), matches_(matchCount) {}
 
   /// Begins with a new item. Both must stay where they are until the evaluation
   /// ends; `given` may be null.
@@ -85,7 +85,6 @@ class PredicateEvaluation {
   StepBudget& steps() { return steps_; }
 
   WholeMatch& match(std::size_t slot) { return matches_[slot]; }
-  const MatchWatch& matchWatch() const { return matchWatch_; }
   TextRelation::Workspace& texts() { return texts_; }
   WildcardPattern& pattern() { return pattern_; }
   /// The user's, by its Olson name; empty where nothing says it.
@@ -109,9 +108,8 @@ class PredicateEvaluation {
   const Record* given_ = nullptr;
   std::vector<Variable> variables_;
   bool hasAssigned_ = false;
-  StepBudget steps_;
+  StepBudget steps_{kMaximumSteps};
   std::vector<WholeMatch> matches_;
-  MatchWatch matchWatch_;
   TextRelation::Workspace texts_;
   WildcardPattern pattern_;
   std::vector<std::mt19937_64> random_;  // one once it is needed

@@ -196,13 +196,12 @@ bool CompiledRegex::run(MatchMonitor& monitor, Search search) {
   UErrorCode status = U_ZERO_ERROR;
   uregex_setMatchCallback(regex_.get(), continueMatch, &monitor, &status);
   // Asking at every position costs a little, so only where somebody answers.
-  uregex_setFindProgressCallback(regex_.get(), monitor.isWatched() ? continueSearch : nullptr,
+  uregex_setFindProgressCallback(regex_.get(), monitor.isNeeded() ? continueSearch : nullptr,
                                  &monitor, &status);
   const bool isMatch = search(regex_.get(), &status) != 0;
   if (status == U_REGEX_STOPPED_BY_CALLER) {
-    monitor.rethrow();
     if (monitor.isTimedOut()) throw faultOf(U_REGEX_TIME_OUT);
-    throw MatchStopped{};
+    throw work::Stopped{};
   }
   check(status);
   return isMatch;

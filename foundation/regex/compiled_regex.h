@@ -14,7 +14,7 @@
 #include <string>
 #include <string_view>
 
-#include "foundation/regex/match_watch.h"
+#include "foundation/regex/match_monitor.h"
 #include "foundation/text/unit_range.h"
 
 struct URegularExpression;
@@ -62,7 +62,7 @@ class CompiledRegex {
   void restart(UnitRange range);
 
   /// Goes to the next match; the first one after setSubject or restart. Throws
-  /// RegexFault, MatchStopped, and what the watch throws; then only a restart helps.
+  /// RegexFault, and Stopped when nobody waits any more; then only a restart helps.
   [[nodiscard]] bool findNext(MatchMonitor& monitor);
 
   /// Whether the whole range of the subject matches. Throws like findNext.

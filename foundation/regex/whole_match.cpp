@@ -8,6 +8,8 @@ namespace skerrow::foundation {
 
 namespace {
 
+constexpr std::chrono::seconds kTimeLimit(3);
+
 std::string inWords(std::int32_t code) {
   switch (code) {
     case U_REGEX_TIME_OUT:
@@ -34,15 +36,15 @@ CompiledRegex compiled(std::u16string_view pattern, MatchCase matchCase) {
 
 }  // namespace
 
-bool WholeMatch::matches(std::u16string_view text, std::u16string_view pattern, MatchCase matchCase,
-                         const MatchWatch& watch) {
+bool WholeMatch::matches(std::u16string_view text, std::u16string_view pattern,
+                         MatchCase matchCase) {
   try {
     if (!regex_ || pattern_ != pattern) {
       regex_ = compiled(pattern, matchCase);
       pattern_ = pattern;
     }
     regex_->setSubject(text, UnitRange::whole(text));
-    MatchMonitor monitor(&watch);
+    MatchMonitor monitor(kTimeLimit);
     return regex_->matchesWhole(monitor);
   } catch (const RegexFault& fault) {
     throw WholeMatchError(description(pattern, fault));

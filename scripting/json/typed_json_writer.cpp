@@ -103,13 +103,21 @@ class ValueWriter {
     writer_.endObject();
   }
 
-  void writeResult(const std::optional<ScriptValue>& result) {
+  void writeReply(const core::Reply& reply) {
     writer_.beginObject();
-    if (result) {
+    if (hasResult(reply)) {
       writer_.label(u"result");
-      write(*result);
+      writeResult(reply);
     }
     writer_.endObject();
+  }
+
+  void writeResult(const core::Reply& reply) {
+    const auto* const items = std::get_if<std::shared_ptr<core::ReplyItems>>(&reply);
+    if (items == nullptr) return write(*std::get<std::optional<ScriptValue>>(reply));
+    writer_.beginArray();
+    while (const auto item = (*items)->next()) write(*item);
+    writer_.endArray();
   }
 
  private:
@@ -344,12 +352,22 @@ void writeTypedJson(const ScriptValue& value, const JsonSink& sink) {
   writeThrough(sink, [&](ValueWriter& writer) { writer.write(value); });
 }
 
+bool hasResult(const core::Reply& reply) {
+  const auto* const result = std::get_if<std::optional<ScriptValue>>(&reply);
+  return result == nullptr ? !std::holds_alternative<core::ScriptError>(reply)
+                           : result->has_value();
+}
+
+void writeResult(const core::Reply& reply, const JsonSink& sink) {
+  writeThrough(sink, [&](ValueWriter& writer) { writer.writeResult(reply); });
+}
+
 void writeReply(const core::Reply& reply, const JsonSink& sink) {
   writeThrough(sink, [&](ValueWriter& writer) {
     if (const auto* error = std::get_if<core::ScriptError>(&reply)) {
       writer.writeError(*error);
     } else {
-      writer.writeResult(std::get<std::optional<ScriptValue>>(reply));
+      writer.writeReply(reply);
     }
   });
 }

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "core/command.h"
+#include "core/reply.h"
 #include "scripting/json/json_writer.h"
 #include "values/script_value.h"
 
@@ -12,7 +12,15 @@ namespace skerrow::scripting {
 
 void writeTypedJson(const ScriptValue& value, const JsonSink& sink);
 
-/// {"result": V}, {} for no result, or {"error": {"number": N, "message": M}}.
+/// Whether a reply is a result, and neither nothing nor an error.
+[[nodiscard]] bool hasResult(const core::Reply& reply);
+
+/// The result of a reply that has one. A list that comes by its items is written as they
+/// come; what its source throws leaves the list where it is.
+void writeResult(const core::Reply& reply, const JsonSink& sink);
+
+/// {"result": V}, {} for no result, or {"error": {"number": N, "message": M}}. The result is
+/// written as by writeResult.
 void writeReply(const core::Reply& reply, const JsonSink& sink);
 
 std::string typedJson(const ScriptValue& value);

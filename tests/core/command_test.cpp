@@ -14,13 +14,13 @@
 #include <vector>
 
 #include "core/application_delegate.h"
-#include "core/operation_queue.h"
-#include "core/script_compiler.h"
-#include "platform/system_platform.h"
+#include "core/item_source.h"
 #include "tests/core/waiting.h"
 #include "tests/support/building.h"
 #include "tests/support/describe.h"
+#include "tests/support/surroundings.h"
 #include "values/depth.h"
+#include "work/stopping.h"
 
 namespace skerrow::core {
 namespace {
@@ -68,9 +68,15 @@ class TestCommand final : public Command {
  public:
   using Work = std::function<std::optional<Value>(TestCommand&)>;
 
+  using Command::answerAtOnce;
+  using Command::answerWithItems;
   using Command::directParameter;
   using Command::evaluatedArguments;
+  using Command::finish;
+  using Command::laterStep;
   using Command::leaveUnanswered;
+  using Command::Place;
+  using Command::queueTask;
   using Command::QuitTimer;
   using Command::resumeExecutionWithResult;
   using Command::setScriptErrorNumber;
@@ -82,6 +88,7 @@ class TestCommand final : public Command {
   Work onCompute = [](TestCommand&) { return std::nullopt; };
   Work onPerform;  // instead of the common shape
   QuitTimer timer = QuitTimer::restartedAtStart;
+  Place where = Place::worker;
   std::function<void(TestCommand&)> onEnd = [](TestCommand&) {};
 
   TestCommand() = default;
@@ -89,16 +96,26 @@ class TestCommand final : public Command {
   TestCommand& operator=(const TestCommand&) = delete;
   ~TestCommand() override { onEnd(*this); }
 
-  [[nodiscard]] bool isCancelled() const { return cancelToken().isCancelled(); }
-
  private:
   [[nodiscard]] QuitTimer quitTimer() const override { return timer; }
+  [[nodiscard]] Place place() const override { return where; }
   std::optional<Value> performDefaultImplementation() override {
     return onPerform ? onPerform(*this) : Command::performDefaultImplementation();
   }
   void check() override { onCheck(*this); }
   std::optional<Value> compute() override { return onCompute(*this); }
 };
+
+CommandContext contextWith(tests::Surroundings& surroundings, ApplicationDelegate& delegate) {
+  return {.loop = surroundings.loop,
+          .workers = surroundings.pool,
+          .platform = surroundings.platform,
+          .clock = surroundings.clock,
+          .delegate = delegate,
+          .compiler = surroundings.compiler,
+          .services = surroundings.services,
+          .memoryAllowance = surroundings.memoryAllowance};
+}
 
 class CommandTest : public testing::Test {
  protected:
@@ -126,11 +143,8 @@ class CommandTest : public testing::Test {
   std::vector<Reply> replies_;
   std::thread::id replyThread_;
   LoggingDelegate delegate_{log_};
-  NoScriptCompiler compiler_;
-  platform::SystemPlatform platform_;
-  platform::SystemClock clock_;
-  WorkerPool pool_;  // goes first, with what runs in it
-  CommandContext context_{delegate_, pool_, compiler_, platform_, clock_};
+  tests::Surroundings surroundings_;
+  CommandContext context_ = contextWith(surroundings_, delegate_);
 };
 
 TEST_F(CommandTest, IsCreatedThenCheckingThenSuspendedThenResumed) {
@@ -214,7 +228,8 @@ const std::vector<OutcomeRow>& outcomeRows() {
       {"nested too deep", [](TestCommand&) -> std::optional<Value> { throw NestingTooDeep(); },
        "error -10000 Lists and records can be nested at most 4096 deep, where a record counts "
        "twice."},
-      {"cancelled", [](TestCommand&) -> std::optional<Value> { throw Cancelled{}; }, "nothing"},
+      {"told to stop", [](TestCommand&) -> std::optional<Value> { throw work::Stopped{}; },
+       "nothing"},
       {"an error recorded in two halves",
        [](TestCommand& self) -> std::optional<Value> {
          self.setScriptErrorNumber(1012);
@@ -385,17 +400,17 @@ TEST_F(CommandTest, LivesUntilItHasResumedWhoeverLetsGoOfIt) {
   EXPECT_TRUE(ended.wait());
 }
 
-TEST_F(CommandTest, HearsThatItIsCancelledWhileItWorks) {
+TEST_F(CommandTest, HearsThatItIsToldToStopWhileItWorks) {
   Signal working;
   const auto command = this->command();
-  command->onCompute = [&](TestCommand& self) -> std::optional<Value> {
+  command->onCompute = [&](TestCommand&) -> std::optional<Value> {
     working.set();
-    while (!self.isCancelled()) std::this_thread::yield();
-    throw Cancelled{};
+    while (!work::isStopAsked()) std::this_thread::yield();
+    throw work::Stopped{};
   };
   command->perform();
   ASSERT_TRUE(working.wait());
-  command->cancel();
+  command->stopSource().request_stop();
   ASSERT_TRUE(replied_.wait());
   EXPECT_EQ(described(replies_.at(0)), "nothing");
   EXPECT_EQ(command->scriptError(), std::nullopt);
@@ -412,6 +427,206 @@ TEST_F(CommandTest, FindsItsDirectParameterAndArguments) {
   EXPECT_EQ(described(this->command()->directParameter()), "nothing");
 }
 
+TEST_F(CommandTest, MayQueueItsTaskWithoutSuspendingAndStillAnswers) {
+  for (int round = 0; round < 100; ++round) {
+    Signal replied;
+    std::string reply;
+    auto command = std::make_shared<TestCommand>();
+    command->onPerform = [](TestCommand& self) -> std::optional<Value> {
+      self.queueTask();
+      return std::nullopt;
+    };
+    command->onCompute = [](TestCommand&) -> std::optional<Value> { return u"done"; };
+    command->prepare(std::nullopt, {}, context_, [&](const Reply& given) {
+      reply = described(given);
+      replied.set();
+    });
+    EXPECT_EQ(command->perform(), std::nullopt);
+    ASSERT_TRUE(replied.wait());
+    EXPECT_EQ(reply, "'utxt' “done”");
+    EXPECT_EQ(command->state(), Command::State::resumed);
+  }
+}
+
+TEST_F(CommandTest, DoesNotBeginATaskThatNobodyWaitsForAnyMore) {
+  bool hasBegun = false;
+  const auto command = this->command();
+  command->onCheck = [](TestCommand& self) {
+    self.stopSource().request_stop();
+    return std::nullopt;
+  };
+  command->onCompute = [&](TestCommand&) {
+    hasBegun = true;
+    return std::nullopt;
+  };
+  command->perform();
+  ASSERT_TRUE(replied_.wait());
+  EXPECT_FALSE(hasBegun);
+}
+
+TEST_F(CommandTest, MayWorkOnTheMainThreadAndAnswerThere) {
+  for (const OutcomeRow& row : outcomeRows()) {
+    SCOPED_TRACE(row.about);
+    const auto command = this->command();
+    command->where = TestCommand::Place::mainThread;
+    std::thread::id computeThread;
+    command->onCompute = [&](TestCommand& self) {
+      computeThread = std::this_thread::get_id();
+      return row.work(self);
+    };
+    const auto reply = command->perform();
+    ASSERT_TRUE(reply.has_value());
+    EXPECT_EQ(described(*reply), row.reply);
+    EXPECT_EQ(computeThread, std::this_thread::get_id());
+  }
+}
+
+TEST_F(CommandTest, MayResumeLaterFromAStepOnTheMainThread) {
+  const auto command = this->command();
+  command->where = TestCommand::Place::mainThread;
+  std::function<void()> later;
+  command->onCompute = [&](TestCommand& self) -> std::optional<Value> {
+    self.suspendExecution();
+    later = self.laterStep([&self] { self.finish(u"pressed"); });
+    return std::nullopt;
+  };
+  EXPECT_EQ(command->perform(), std::nullopt);
+  EXPECT_FALSE(replied_.isSet());
+  later();
+  ASSERT_TRUE(replied_.wait());
+  EXPECT_EQ(described(replies_.at(0)), "'utxt' “pressed”");
+  later();  // a window may call back once more
+  EXPECT_EQ(replies_.size(), 1U);
+}
+
+TEST_F(CommandTest, AFailureInALaterStepIsItsFailure) {
+  for (const OutcomeRow& row : outcomeRows()) {
+    if (!std::string_view(row.reply).starts_with("error") ||
+        std::string_view(row.about).find("recorded") != std::string_view::npos ||
+        std::string_view(row.about).find("halves") != std::string_view::npos) {
+      continue;
+    }
+    SCOPED_TRACE(row.about);
+    Signal replied;
+    std::string reply;
+    auto command = std::make_shared<TestCommand>();
+    command->where = TestCommand::Place::mainThread;
+    std::function<void()> later;
+    command->onCompute = [&](TestCommand& self) -> std::optional<Value> {
+      self.suspendExecution();
+      later = self.laterStep([&self, &row] { row.work(self); });
+      return std::nullopt;
+    };
+    command->prepare(std::nullopt, {}, context_, [&](const Reply& given) {
+      reply = described(given);
+      replied.set();
+    });
+    EXPECT_EQ(command->perform(), std::nullopt);
+    later();
+    ASSERT_TRUE(replied.wait());
+    EXPECT_EQ(reply, row.reply);
+  }
+}
+
+TEST_F(CommandTest, LeavesStepsOutOnceItWasToldToStop) {
+  bool hasStepped = false;
+  const auto command = this->command();
+  command->where = TestCommand::Place::mainThread;
+  std::function<void()> later;
+  command->onCompute = [&](TestCommand& self) -> std::optional<Value> {
+    self.suspendExecution();
+    later = self.laterStep([&] { hasStepped = true; });
+    return std::nullopt;
+  };
+  command->perform();
+  command->stopSource().request_stop();
+  later();
+  EXPECT_FALSE(hasStepped);
+}
+
+// Counts up to a number, and may fail behind it.
+class Counting final : public ItemSource {
+ public:
+  Counting(int last, std::function<void()> end) : last_(last), end_(std::move(end)) {}
+  std::optional<Value> next() override {
+    if (count_ < last_) return Value(Number::signed32(++count_));
+    end_();
+    return std::nullopt;
+  }
+
+ private:
+  int last_;
+  std::function<void()> end_;
+  int count_ = 0;
+};
+
+TEST_F(CommandTest, MayAnswerWithItemsThatAreMadeAsTheyAreAskedFor) {
+  const auto command = this->command();
+  command->timer = TestCommand::QuitTimer::stoppedWhileWorking;
+  command->onCompute = [&](TestCommand& self) -> std::optional<Value> {
+    self.answerWithItems(std::make_unique<Counting>(2, [this] { log_.add("end"); }));
+    return std::nullopt;
+  };
+  EXPECT_EQ(command->perform(), std::nullopt);
+  ASSERT_TRUE(replied_.wait());
+  EXPECT_EQ(log_.entries(), "timer stopped, resumed");
+  const auto items = std::get<std::shared_ptr<ReplyItems>>(replies_.at(0));
+  EXPECT_EQ(described(items->next()), "'long' 01000000");
+  EXPECT_EQ(described(items->next()), "'long' 02000000");
+  EXPECT_EQ(items->next(), std::nullopt);
+  EXPECT_EQ(items->next(), std::nullopt);
+  EXPECT_EQ(log_.entries(), "timer stopped, resumed, end, timer started");
+}
+
+TEST_F(CommandTest, ItemsThatFailThrowTheErrorAndEnd) {
+  for (const OutcomeRow& row : outcomeRows()) {
+    if (!std::string_view(row.reply).starts_with("error -1")) continue;
+    SCOPED_TRACE(row.about);
+    Signal replied;
+    std::optional<Reply> reply;
+    auto command = std::make_shared<TestCommand>();
+    command->onCompute = [&](TestCommand& self) -> std::optional<Value> {
+      self.answerWithItems(std::make_unique<Counting>(1, [&] { row.work(self); }));
+      return std::nullopt;
+    };
+    command->prepare(std::nullopt, {}, context_, [&](Reply given) {
+      reply = std::move(given);
+      replied.set();
+    });
+    EXPECT_EQ(command->perform(), std::nullopt);
+    ASSERT_TRUE(replied.wait());
+    EXPECT_EQ(described(gathered(std::move(*reply))), row.reply);
+  }
+}
+
+TEST_F(CommandTest, ItemsEndWhenNobodyWaitsForThemAnyMore) {
+  const auto command = this->command();
+  command->onCompute = [&](TestCommand& self) -> std::optional<Value> {
+    self.answerWithItems(std::make_unique<Counting>(1000, [] {}));
+    return std::nullopt;
+  };
+  command->perform();
+  ASSERT_TRUE(replied_.wait());
+  const auto items = std::get<std::shared_ptr<ReplyItems>>(replies_.at(0));
+  EXPECT_NE(items->next(), std::nullopt);
+  command->stopSource().request_stop();
+  EXPECT_EQ(items->next(), std::nullopt);
+}
+
+TEST_F(CommandTest, WorkThatWouldTakeMoreMemoryThanItMayFailsAndSaysHowMuch) {
+  context_.memoryAllowance = 50'000'000;
+  const auto command = this->command();
+  command->onCompute = [](TestCommand&) -> std::optional<Value> {
+    std::vector<std::vector<char>> pieces;
+    for (;;) pieces.emplace_back(10'000'000);
+  };
+  command->perform();
+  ASSERT_TRUE(replied_.wait());
+  const auto& error = std::get<ScriptError>(replies_.at(0));
+  EXPECT_EQ(error.number(), -108);
+  EXPECT_EQ(error.message(), "This would take 50 MB of memory, and one command may take 50 MB.");
+}
+
 struct TimerRow {
   const char* about;
   TestCommand::QuitTimer timer;
@@ -422,6 +637,7 @@ struct TimerRow {
 
 TEST_F(CommandTest, UsesTheQuitTimerInItsOrder) {
   constexpr auto kRestarted = TestCommand::QuitTimer::restartedAtStart;
+  constexpr auto kAtEnd = TestCommand::QuitTimer::restartedAtEnd;
   constexpr auto kStopped = TestCommand::QuitTimer::stoppedWhileWorking;
   const TimerRow rows[] = {
       {"ordinary", kRestarted, false, false, "timer started, checks, works, resumed"},
@@ -431,6 +647,9 @@ TEST_F(CommandTest, UsesTheQuitTimerInItsOrder) {
       {"long that fails", kStopped, false, true,
        "timer stopped, checks, works, timer started, resumed"},
       {"long that is rejected", kStopped, true, false, "timer stopped, checks"},
+      {"running scripts", kAtEnd, false, false, "checks, works, timer started, resumed"},
+      {"running scripts that fails", kAtEnd, false, true, "checks, works, timer started, resumed"},
+      {"running scripts that is rejected", kAtEnd, true, false, "checks"},
   };
   for (const TimerRow& row : rows) {
     SCOPED_TRACE(row.about);
@@ -449,7 +668,7 @@ TEST_F(CommandTest, UsesTheQuitTimerInItsOrder) {
       if (row.fails) throw std::runtime_error("Failed.");
       return std::nullopt;
     };
-    const CommandContext context{delegate, pool_, compiler_, platform_, clock_};
+    const CommandContext context = contextWith(surroundings_, delegate);
     command->prepare(std::nullopt, {}, context, [&](const Reply&) {
       log.add("resumed");
       replied.set();
@@ -463,18 +682,50 @@ TEST_F(CommandTest, UsesTheQuitTimerInItsOrder) {
   }
 }
 
+TEST_F(CommandTest, AnAnswerAtOnceLeavesAStoppedQuitTimerStopped) {
+  const auto command = this->command();
+  command->timer = TestCommand::QuitTimer::stoppedWhileWorking;
+  command->onCheck = [](TestCommand& self) -> std::optional<Value> {
+    self.answerAtOnce(u"empty");
+    return std::nullopt;
+  };
+  EXPECT_EQ(replyOf(*command), "'utxt' “empty”");
+  EXPECT_EQ(log_.entries(), "timer stopped");
+}
+
+TEST_F(CommandTest, OnTheMainThreadRestartsTheQuitTimerWhenItsWorkEnds) {
+  const auto command = this->command();
+  command->where = TestCommand::Place::mainThread;
+  command->timer = TestCommand::QuitTimer::restartedAtEnd;
+  command->onCompute = [this](TestCommand&) -> std::optional<Value> {
+    log_.add("runs");
+    return u"done";
+  };
+  EXPECT_EQ(replyOf(*command), "'utxt' “done”");
+  EXPECT_EQ(log_.entries(), "runs, timer started");
+}
+
+#ifndef NDEBUG
+void performElsewhere() {
+  tests::Surroundings surroundings;
+  auto command = std::make_shared<TestCommand>();
+  command->prepare(std::nullopt, {}, surroundings.context(), [](const Reply&) {});
+  std::jthread([&] { command->perform(); }).join();
+}
+
+TEST(CommandDeathTest, IsPerformedOnTheLoopsOwnThread) {
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  EXPECT_DEATH(performElsewhere(), "isOwnThread");
+}
+#endif
+
 // Ends with 0 once the command has replied.
 void performOneThatThrowsAnInteger() {
-  NoApplication delegate;
-  NoScriptCompiler compiler;
-  const platform::SystemPlatform platform;
-  const platform::SystemClock clock;
-  WorkerPool pool;
-  const CommandContext context{delegate, pool, compiler, platform, clock};
+  tests::Surroundings surroundings;
   Signal replied;
   auto command = std::make_shared<TestCommand>();
   command->onCompute = [](TestCommand&) -> std::optional<Value> { throw 42; };
-  command->prepare(std::nullopt, {}, context, [&](const Reply&) { replied.set(); });
+  command->prepare(std::nullopt, {}, surroundings.context(), [&](const Reply&) { replied.set(); });
   command->perform();
   std::_Exit(replied.wait() ? 0 : 1);
 }

@@ -7,9 +7,11 @@
 #include <mutex>
 #include <optional>
 #include <set>
+#include <stop_token>
 #include <thread>
 #include <vector>
 
+#include "core/worker_pool.h"
 #include "tests/core/waiting.h"
 
 namespace skerrow::core {
@@ -153,6 +155,94 @@ TEST(WorkerPool, WaitsAtShutdownForWhatRunsAndDropsWhatWaits) {
   EXPECT_EQ(ended.count(), kMany);
   EXPECT_LE(lateRuns, 100);
   EXPECT_EQ(token.use_count(), 1);
+}
+
+// Keeps as many operations at work as there may be.
+class Crowd {
+ public:
+  explicit Crowd(WorkerPool& pool, std::stop_token stop = {}) {
+    for (std::size_t i = 0; i < WorkerPool::kMaximumThreads; ++i) {
+      pool.run(
+          [this] {
+            running_.add();
+            if (release_.wait()) ended_.add();
+          },
+          stop);
+    }
+  }
+  Crowd(const Crowd&) = delete;
+  Crowd& operator=(const Crowd&) = delete;
+  ~Crowd() {
+    release_.set();
+    EXPECT_TRUE(ended_.waitFor(kMany));
+  }
+
+  [[nodiscard]] bool isAtWork() { return running_.waitFor(kMany); }
+
+ private:
+  static constexpr int kMany = static_cast<int>(WorkerPool::kMaximumThreads);
+  Counter running_;
+  Counter ended_;
+  Signal release_;
+};
+
+TEST(WorkerPool, OperationsThatWereToldToStopKeepNoThreadFromOthers) {
+  WorkerPool pool;
+  const std::stop_source stop;
+  Crowd deaf(pool, stop.get_token());
+  ASSERT_TRUE(deaf.isAtWork());
+  Signal done;
+  pool.run([&] { done.set(); });
+  EXPECT_FALSE(done.isSet());
+  stop.request_stop();
+  EXPECT_TRUE(done.wait());
+}
+
+TEST(WorkerPool, OperationsThatAreToldToStopBeforeTheyRunDoNotCountEither) {
+  WorkerPool pool;
+  std::stop_source stop;
+  stop.request_stop();
+  Crowd deaf(pool, stop.get_token());
+  ASSERT_TRUE(deaf.isAtWork());
+  Signal done;
+  pool.run([&] { done.set(); });
+  EXPECT_TRUE(done.wait());
+}
+
+TEST(WorkerPool, NothingWaitsInACircleWhereOperationsWaitForOthers) {
+  WorkerPool pool;
+  Counter done;
+  constexpr int kMany = 2 * static_cast<int>(WorkerPool::kMaximumThreads);
+  for (int i = 0; i < kMany; ++i) {
+    pool.run([&] {
+      Signal inner;
+      pool.run([&] { inner.set(); });
+      const WaitingForOthers waiting;
+      if (inner.wait()) done.add();
+    });
+  }
+  EXPECT_TRUE(done.waitFor(kMany));
+}
+
+TEST(WorkerPool, NoMoreWorkAtOnceThanMayAfterSomeDidNotCount) {
+  WorkerPool pool;
+  const std::stop_source stop;
+  {
+    Crowd deaf(pool, stop.get_token());
+    ASSERT_TRUE(deaf.isAtWork());
+    stop.request_stop();
+    Crowd others(pool);
+    ASSERT_TRUE(others.isAtWork());
+  }
+  // Twice as many threads are there now.
+  Crowd crowd(pool);
+  ASSERT_TRUE(crowd.isAtWork());
+  std::atomic<bool> isTooMany = false;
+  pool.run([&] { isTooMany = true; });
+  Signal free;
+  const std::stop_source other;
+  other.request_stop();
+  EXPECT_FALSE(isTooMany);
 }
 
 // Says when a thread of the pool ends.

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -11,14 +13,11 @@
 #include <utility>
 #include <vector>
 
-#include "core/application_delegate.h"
-#include "core/operation_queue.h"
-#include "core/script_compiler.h"
 #include "foundation/text/text_encoding.h"
-#include "platform/system_platform.h"
 #include "tests/scripting/test_commands.h"
 #include "tests/support/building.h"
 #include "tests/support/describe.h"
+#include "tests/support/surroundings.h"
 
 namespace skerrow::scripting {
 namespace {
@@ -61,7 +60,11 @@ class DispatcherTest : public testing::Test {
   /// Sends an event whose reply is gathered under a name.
   Dispatcher::EventId send(const std::string& name, Event event) {
     return dispatcher_->send(std::move(event), [this, name](const core::Reply& reply) {
-      replies_[name].push_back(described(reply));
+      const auto gather = [this, name, reply = described(reply)] {
+        replies_[name].push_back(reply);
+      };
+      if (loop_.isOwnThread()) return gather();
+      loop_.post(gather);
     });
   }
 
@@ -88,15 +91,10 @@ class DispatcherTest : public testing::Test {
 
   std::shared_ptr<Stage> stage_ = std::make_shared<Stage>();
   std::map<std::string, std::vector<std::string>> replies_;
-  core::NoApplication application_;
-  core::NoScriptCompiler compiler_;
-  platform::SystemPlatform platform_;
-  platform::SystemClock clock_;
-  core::MainLoop loop_;
-  core::WorkerPool pool_;
-  std::optional<Dispatcher> dispatcher_{
-      std::in_place, testDictionary(), testDictionaryClasses(), loop_,
-      core::CommandContext{application_, pool_, compiler_, platform_, clock_}};
+  tests::Surroundings surroundings_;
+  core::MainLoop& loop_ = surroundings_.loop;
+  std::optional<Dispatcher> dispatcher_{std::in_place, testDictionary(), testDictionaryClasses(),
+                                        surroundings_.context()};
 };
 
 struct ReplyRow {
@@ -194,8 +192,6 @@ TEST_F(DispatcherTest, AsksForWhatIsRequired) {
 TEST_F(DispatcherTest, RefusesBeforeItReturns) {
   send("unknown", event("TestNothing"));
   EXPECT_EQ(replies_["unknown"].size(), 1U);
-  send("at once", event("TestAnswerAtOnce"));
-  EXPECT_EQ(replies_["at once"].size(), 1U);
 }
 
 TEST_F(DispatcherTest, HandsTheArgumentsOverInTheirShapes) {
@@ -308,6 +304,7 @@ TEST_F(DispatcherTest, ACallerThatGoesAwayCancelsTheWorkAndHearsNothing) {
 
 TEST_F(DispatcherTest, CancellingWhatIsAnsweredOrUnknownChangesNothing) {
   const auto answered = send("answered", event("TestAnswerAtOnce"));
+  serveUntilReplies(1);
   dispatcher_->cancel(answered);
   dispatcher_->cancel(Dispatcher::EventId{12345});
   const auto gone = send("gone", event("TestWorkLong"));
@@ -338,16 +335,6 @@ TEST_F(DispatcherTest, ItsEndCancelsWhatRunsAndDropsTheReplies) {
   EXPECT_TRUE(replies_.empty());
 }
 
-TEST_F(DispatcherTest, RepliesThatWaitInTheLoopWhenItEndsAreDropped) {
-  send("done", event("TestWorkLong"));
-  stage_->release.set();
-  ASSERT_TRUE(stage_->started.waitFor(1));
-  dispatcher_.reset();
-  ASSERT_TRUE(stage_->ended.waitFor(1));
-  serveWhatIsThere();
-  EXPECT_TRUE(replies_.empty());
-}
-
 TEST_F(DispatcherTest, SeveralEventsRunAtOnceAndEachGetsItsOwnReply) {
   constexpr int kMany = 20;
   for (int i = 0; i < kMany; ++i) {
@@ -366,38 +353,123 @@ TEST_F(DispatcherTest, AReceiverMaySendAndEvenPerformOtherEvents) {
   std::string inner;
   dispatcher_->send(eventWith("TestBehave", scriptText(u"outer")), [&](const core::Reply&) {
     send("next", eventWith("TestBehave", scriptText(u"next")));
-    inner = perform(eventWith("TestBehave", scriptText(u"inner")));
+    loop_.post(
+        [&, reply = perform(eventWith("TestBehave", scriptText(u"inner")))] { inner = reply; });
   });
-  serveUntilReplies(1);
+  loop_.runUntil([&] { return !inner.empty() && !replies_.empty(); });
   EXPECT_EQ(inner, "'utxt' “inner”");
   EXPECT_EQ(replies_["next"], std::vector<std::string>{"'utxt' “next”"});
 }
 
 TEST_F(DispatcherTest, ShutsDownUnderLoad) {
-  for (int i = 0; i < 300; ++i) send("load", eventWith("TestBehave", scriptText(u"x")));
+  constexpr std::size_t kMany = 300;
+  std::atomic<std::size_t> answers = 0;
+  for (std::size_t i = 0; i < kMany; ++i) {
+    dispatcher_->send(eventWith("TestBehave", scriptText(u"x")),
+                      [&](const core::Reply&) { ++answers; });
+  }
   dispatcher_.reset();
   serveWhatIsThere();
-  EXPECT_TRUE(replies_.empty());
+  EXPECT_LE(answers, kMany);
 }
 
-#ifndef NDEBUG
-void sendElsewhere() {
-  core::NoApplication application;
-  core::NoScriptCompiler compiler;
-  const platform::SystemPlatform platform;
-  const platform::SystemClock clock;
-  core::MainLoop loop;
-  core::WorkerPool pool;
-  Dispatcher dispatcher(testDictionary(), testDictionaryClasses(), loop,
-                        core::CommandContext{application, pool, compiler, platform, clock});
-  std::jthread([&] { dispatcher.send(event("TestEcho"), [](const core::Reply&) {}); }).join();
+TEST_F(DispatcherTest, TakesEventsFromAnyThread) {
+  std::vector<std::string> performed(4);
+  {
+    std::vector<std::jthread> threads;
+    tests::Counter ended;
+    for (std::size_t i = 0; i < performed.size(); ++i) {
+      threads.emplace_back([&, i] {
+        for (int round = 0; round < 50; ++round) {
+          performed[i] = perform(eventWith("TestBehave", scriptText(u"é")));
+          if (performed[i] != "'utxt' “\\u00E9”") break;
+        }
+        loop_.post([&] { ended.add(); });
+      });
+    }
+    loop_.runUntil([&] { return ended.count() == 4; });
+  }
+  EXPECT_EQ(performed, std::vector<std::string>(4, "'utxt' “\\u00E9”"));
 }
 
-TEST(DispatcherDeathTest, EventsAreSentOnTheLoopsOwnThread) {
-  testing::FLAGS_gtest_death_test_style = "threadsafe";
-  EXPECT_DEATH(sendElsewhere(), "isOwnThread");
+// A thread beside the main one that performs an event on itself, while the loop is served.
+class LendingTest : public DispatcherTest {
+ protected:
+  struct End {
+    std::string reply;
+    Dispatcher::Lent lent{};
+    bool isOnLentThread = false;
+    bool isOnMainThread = false;
+    bool isLeftBehindTold = false;
+  };
+
+  End performHere(
+      Event event, std::function<void()> onReply = [] {}) {
+    End end;
+    bool isOver = false;
+    std::jthread thread([&] {
+      const auto self = std::this_thread::get_id();
+      end.lent = dispatcher_->performHere(
+          std::move(event),
+          [&, self](const core::Reply& reply) {
+            end.reply = described(reply);
+            end.isOnLentThread = std::this_thread::get_id() == self;
+            end.isOnMainThread = loop_.isOwnThread();
+            onReply();
+          },
+          [&] { end.isLeftBehindTold = true; });
+      loop_.post([&] { isOver = true; });
+    });
+    loop_.runUntil([&] { return isOver; });
+    return end;
+  }
+};
+
+TEST_F(LendingTest, HasItsCommandWorkOnItself) {
+  for (const char* way : {"é", "fail", "break", "nothing", "reject"}) {
+    const End end =
+        performHere(eventWith("TestBehave", scriptText(foundation::utf16FromUtf8Replacing(way))));
+    EXPECT_EQ(end.lent, Dispatcher::Lent::givenBack) << way;
+    EXPECT_TRUE(end.isOnLentThread) << way;
+    EXPECT_NE(end.reply, "") << way;
+  }
 }
-#endif
+
+TEST_F(LendingTest, TakesRefusalsAndAnswersAtOnceToo) {
+  EXPECT_EQ(performHere(event("TestNothing")).reply,
+            "error -1708 There is no command “TestNothing”.");
+  const End end = performHere(eventWith("TestAnswerAtOnce", ScriptValue::integer32(5)));
+  EXPECT_EQ(end.reply, "'long' 05000000");
+  EXPECT_TRUE(end.isOnLentThread);
+}
+
+TEST_F(LendingTest, HearsOfATimeOutWhereNothingWorks) {
+  const End end = performHere(eventWith("TestBehave", scriptText(u"unanswered"), 20ms));
+  EXPECT_EQ(end.reply, "error -1712 AppleEvent timed out.");
+  EXPECT_EQ(end.lent, Dispatcher::Lent::givenBack);
+  EXPECT_TRUE(end.isOnLentThread);
+  EXPECT_FALSE(end.isLeftBehindTold);
+}
+
+TEST_F(LendingTest, IsLeftBehindWhereItsTimeIsOverWhileItWorks) {
+  const End end = performHere(eventWith("TestWorkLong", scriptText(u"deaf"), 20ms),
+                              [this] { stage_->release.set(); });
+  EXPECT_EQ(end.reply, "error -1712 AppleEvent timed out.");
+  EXPECT_EQ(end.lent, Dispatcher::Lent::leftBehind);
+  EXPECT_TRUE(end.isOnMainThread);
+  EXPECT_TRUE(end.isLeftBehindTold);
+}
+
+TEST_F(LendingTest, GoesOnWhenTheDispatcherIsGone) {
+  std::jthread thread([&] {
+    (void)dispatcher_->performHere(
+        event("TestWorkLong"), [](const core::Reply&) {}, [] {});
+  });
+  while (stage_->started.count() == 0) serveFor(1ms);
+  dispatcher_.reset();
+  EXPECT_TRUE(stage_->cancelled.waitFor(1));
+  thread.join();
+}
 
 }  // namespace
 }  // namespace skerrow::scripting

@@ -12,6 +12,7 @@
 #include "core/unpack.h"
 #include "foundation/text/text_encoding.h"
 #include "tests/support/describe.h"
+#include "work/stopping.h"
 
 namespace skerrow {
 
@@ -94,9 +95,9 @@ class TestWorkLong final : public core::Command {
     const std::string way = textOf(directParameter());
     stage_->started.add();
     while (!stage_->release.isSet()) {
-      if (way != "deaf" && cancelToken().isCancelled()) {
+      if (way != "deaf" && work::isStopAsked()) {
         stage_->cancelled.add();
-        throw core::Cancelled{};
+        throw work::Stopped{};
       }
       std::this_thread::yield();
     }

@@ -8,10 +8,9 @@
 namespace skerrow::tests {
 
 InProcess::InProcess(std::shared_ptr<core::SharedServices> services)
-    : platform_(system_), services_(std::move(services)) {}
+    : surroundings_(std::move(services)) {}
 
-InProcess::InProcess(const platform::Platform& platform)
-    : platform_(platform), services_(std::make_shared<core::SharedServices>()) {}
+InProcess::InProcess(const platform::Platform& platform) : surroundings_(platform) {}
 
 std::string InProcess::answer(std::string_view event) {
   scripting::JsonSource source{event};

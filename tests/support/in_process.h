@@ -6,16 +6,11 @@
 #include <string>
 #include <string_view>
 
-#include "core/application_delegate.h"
-#include "core/command.h"
-#include "core/main_loop.h"
-#include "core/operation_queue.h"
-#include "core/script_compiler.h"
-#include "core/shared_services.h"
-#include "platform/system_platform.h"
+#include "core/reply.h"
 #include "scripting/dictionary/dictionary.h"
 #include "scripting/dispatcher.h"
 #include "scripting/event.h"
+#include "tests/support/surroundings.h"
 
 namespace skerrow::tests {
 
@@ -32,18 +27,12 @@ class InProcess {
   /// The answer to an event, both as lines of typed JSON.
   std::string answer(std::string_view event);
 
+  Surroundings& surroundings() { return surroundings_; }
+
  private:
-  platform::SystemPlatform system_;
-  platform::SystemClock clock_;
-  platform::Platform platform_;
-  std::shared_ptr<core::SharedServices> services_;
-  core::NoApplication application_;
-  core::NoScriptCompiler compiler_;
-  core::MainLoop loop_;
-  core::WorkerPool pool_;
-  scripting::Dispatcher dispatcher_{
-      scripting::skerrowDictionary(), scripting::skerrowDictionaryClasses(), loop_,
-      core::CommandContext{application_, pool_, compiler_, platform_, clock_, services_}};
+  Surroundings surroundings_;
+  scripting::Dispatcher dispatcher_{scripting::skerrowDictionary(),
+                                    scripting::skerrowDictionaryClasses(), surroundings_.context()};
 };
 
 }  // namespace skerrow::tests

@@ -7,6 +7,7 @@
 
 #include "foundation/text/character_sets.h"
 #include "tests/support/properties.h"
+#include "tests/support/stopped_work.h"
 
 namespace skerrow::text {
 namespace {
@@ -24,8 +25,8 @@ Value tableOf(const std::vector<Fields>& rows) {
   return table;
 }
 
-Value csv(std::u16string_view text) { return parseCSVIn(text, core::CancelToken()); }
-Value tsv(std::u16string_view text) { return parseTSVIn(text, core::CancelToken()); }
+Value csv(std::u16string_view text) { return parseCSVIn(text); }
+Value tsv(std::u16string_view text) { return parseTSVIn(text); }
 
 std::u16string inQuotes(std::u16string_view field) {
   std::u16string result = u"\"";
@@ -91,11 +92,10 @@ TEST(CsvReader, TakesAllWhiteSpaceAfterACommaAndNoOther) {
   }
 }
 
-TEST(CsvReader, StopsWhenItsCommandIsCancelled) {
-  const core::CancelToken token;
-  token.cancel();
-  EXPECT_THROW(parseCSVIn(u"a", token), core::Cancelled);
-  EXPECT_THROW(parseTSVIn(u"a", token), core::Cancelled);
+TEST(CsvReader, StopsWhenNobodyWaitsAnyMore) {
+  const tests::StoppedWork stopped;
+  EXPECT_THROW(parseCSVIn(u"a"), work::Stopped);
+  EXPECT_THROW(parseTSVIn(u"a"), work::Stopped);
 }
 
 RC_GTEST_PROP(TsvReader, CutsAtTabsAndParagraphs, ()) {

@@ -11,7 +11,7 @@ RegexRun::RegexRun(RegexCache& cache, const RegexLimits& limits, TextArgument su
       call_(call),
       units_(subject_.view()),
       range_(call.range.value_or(foundation::UnitRange::whole(units_))),
-      monitor_(call.watch),
+      monitor_(call.timeLimit),
       lease_(lease(cache, limits)) {
   if (lease_.required() == nullptr) return;
   from_ = range_.location;

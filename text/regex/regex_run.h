@@ -11,7 +11,7 @@
 #include <string_view>
 
 #include "foundation/collation/text_search.h"
-#include "foundation/regex/match_watch.h"
+#include "foundation/regex/match_monitor.h"
 #include "foundation/text/unit_range.h"
 #include "text/regex/regex_cache.h"
 #include "text/regex/regex_error.h"
@@ -45,8 +45,8 @@ struct RegexCall {
   std::int32_t capture = 0;
   /// Of an enumeration; none is defined, so anything but 0 is refused.
   std::uint32_t enumerationOptions = 0;
-  /// What may end a long match; it must outlive the call.
-  const foundation::MatchWatch* watch = nullptr;
+  /// How long a match may take.
+  foundation::MatchMonitor::TimeLimit timeLimit = std::nullopt;
 };
 
 /// The longest texts that operations take and make, in UTF-16 units.

@@ -18,7 +18,7 @@
 // pattern lacks), RegexRangeException for a pattern of INT_MAX units or more, and
 // RegexFailure for a pattern that does not compile or a match that ICU gives up
 // (backtracking beyond 64 MB, the watch's time limit). A watch that stops it
-// throws MatchStopped. Wrap a call in storingError to have a RegexFailure as a
+// throws Stopped. Wrap a call in storingError to have a RegexFailure as a
 // value. Nothing is returned in part.
 
 #include <cstdint>

@@ -12,7 +12,7 @@ namespace {
 using Matches = std::vector<std::u16string>;
 
 Matches matchesOf(std::u16string_view pattern, std::u16string_view subject, UnitRange range) {
-  MatchMonitor monitor(nullptr);
+  MatchMonitor monitor;
   CompiledRegex regex = CompiledRegex::compile(pattern, 0);
   regex.setSubject(subject, range);
   Matches matches;
@@ -48,7 +48,7 @@ TEST(CompiledRegex, ARangeMayEndInsideASurrogatePair) {
 
 TEST(CompiledRegex, RestartsInsideAndOutsideAPair) {
   constexpr std::u16string_view kSubject = u"a😀b";
-  MatchMonitor monitor(nullptr);
+  MatchMonitor monitor;
   CompiledRegex regex = CompiledRegex::compile(u".+", 0);
   regex.setSubject(kSubject, {0, 4});
   for (const std::size_t start : {2U, 1U, 0U, 3U, 2U}) {
@@ -99,7 +99,7 @@ TEST(CompiledRegex, APairWrittenAsTwoEscapesIsOneCharacter) {
 
 TEST(CompiledRegex, CloneFindsTheSame) {
   constexpr std::u16string_view kSubject = u"a😀a\xD83D";
-  MatchMonitor monitor(nullptr);
+  MatchMonitor monitor;
   const CompiledRegex original = CompiledRegex::compile(u"a\\ud83d(?!.)", 0);
   CompiledRegex regex = original.clone();
   regex.setSubject(kSubject, UnitRange::whole(kSubject));

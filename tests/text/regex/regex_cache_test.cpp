@@ -215,7 +215,7 @@ TEST_F(RegexCacheTest, AnEvictedPatternStaysUsableForItsHolder) {
   lease.setSubject(patterns[0], {0, 3});
   for (std::size_t i = 1; i < 5; ++i) use(patterns[i]);
   cache.clear();
-  foundation::MatchMonitor monitor(nullptr);
+  foundation::MatchMonitor monitor;
   EXPECT_TRUE(lease.regex().findNext(monitor));
   EXPECT_FALSE(lease.regex().findNext(monitor));
 }
@@ -223,7 +223,7 @@ TEST_F(RegexCacheTest, AnEvictedPatternStaysUsableForItsHolder) {
 TEST_F(RegexCacheTest, TwoLeasesOfOnePatternSearchIndependently) {
   const Text pattern = u"\\w"_text;
   const Text subject = u"ab"_text;
-  foundation::MatchMonitor monitor(nullptr);
+  foundation::MatchMonitor monitor;
   RegexCache::Lease first = cache.lease(pattern, kNoRegexOptions);
   RegexCache::Lease second = cache.lease(pattern, kNoRegexOptions);
   first.setSubject(subject, {0, 2});
@@ -238,7 +238,7 @@ TEST_F(RegexCacheTest, ASubjectIsKeptUntilItIsForgottenUnlessItIsLong) {
   const Text pattern = u"b"_text;
   std::u16string units(100'000, u'a');
   for (const std::size_t length : {300UL, units.size()}) {
-    foundation::MatchMonitor monitor(nullptr);
+    foundation::MatchMonitor monitor;
     for (int round = 0; round < 3; ++round) {
       RegexCache::Lease lease = cache.lease(pattern, kNoRegexOptions);
       Text subject(units.substr(0, length) + u"b");
@@ -256,7 +256,7 @@ TEST_F(RegexCacheTest, ThreadsMayUseOneSetAtOnce) {
   std::vector<std::thread> threads;
   for (std::size_t i = 0; i < 4; ++i) {
     threads.emplace_back([&, i] {
-      foundation::MatchMonitor monitor(nullptr);
+      foundation::MatchMonitor monitor;
       for (std::size_t round = 0; round < 400; ++round) {
         const Text& pattern = patterns[(round * (i + 1)) % patterns.size()];
         RegexCache::Lease lease = shared.lease(pattern, kNoRegexOptions);

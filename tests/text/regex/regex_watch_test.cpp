@@ -1,19 +1,16 @@
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <chrono>
-#include <stdexcept>
+#include <stop_token>
 #include <string>
 #include <thread>
 
+#include "tests/support/stopped_work.h"
 #include "tests/text/text_literal.h"
 #include "text/regex/regex_service.h"
 
 namespace skerrow::text {
 namespace {
-
-using foundation::MatchStopped;
-using foundation::MatchWatch;
 
 // Takes more steps than anybody has time for.
 const Text& catastrophicPattern() {
@@ -25,54 +22,27 @@ const Text& catastrophicSubject() {
   return subject;
 }
 
-TEST(RegexWatch, AFlagEndsACatastrophicMatch) {
+TEST(RegexWatch, ACatastrophicMatchEndsWhenNobodyWaitsAnyMoreAndThePatternStaysUsable) {
   RegexService regex;
-  std::atomic<bool> flag = false;
-  std::atomic<bool> isAsked = false;
-  const MatchWatch watch{.stopFlag = &flag, .isStopped = [&] {
-                           isAsked = true;
-                           isAsked.notify_one();
-                           return false;
-                         }};
-  std::thread setter([&] {
-    isAsked.wait(false);
-    flag = true;
+  std::stop_source source;
+  const work::StopScope scope(source.get_token());
+  std::jthread stopping([&source] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));  // into the match, most times
+    source.request_stop();
   });
-  EXPECT_THROW(
-      regex.isMatchedByRegex(catastrophicSubject(), catastrophicPattern(), {.watch = &watch}),
-      MatchStopped);
-  isAsked = true;  // in case nobody asked
-  isAsked.notify_one();
-  setter.join();
-}
-
-TEST(RegexWatch, AFunctionEndsACatastrophicMatchAndThePatternStaysUsable) {
-  RegexService regex;
-  int asked = 0;
-  const MatchWatch watch{.isStopped = [&] { return ++asked == 3; }};
-  EXPECT_THROW(regex.componentsMatchedByRegex(catastrophicSubject(), catastrophicPattern(),
-                                              {.watch = &watch}),
-               MatchStopped);
-  EXPECT_EQ(asked, 3);
+  EXPECT_THROW(regex.componentsMatchedByRegex(catastrophicSubject(), catastrophicPattern(), {}),
+               work::Stopped);
+  const work::UndividedStep undisturbed;
   EXPECT_TRUE(regex.isMatchedByRegex(u"aab"_text, catastrophicPattern()));
-}
-
-TEST(RegexWatch, WhatTheFunctionThrowsLeavesTheOperation) {
-  RegexService regex;
-  const MatchWatch watch{.isStopped = []() -> bool { throw std::domain_error("caller gone"); }};
-  EXPECT_THROW(
-      regex.isMatchedByRegex(catastrophicSubject(), catastrophicPattern(), {.watch = &watch}),
-      std::domain_error);
 }
 
 TEST(RegexWatch, ATimeLimitIsAFailureWithItsOwnName) {
   RegexService regex;
-  const MatchWatch watch{.timeLimit = std::chrono::milliseconds(5)};
   std::optional<RegexError> error;
   storingError(error, [&] {
     return regex.stringByReplacingOccurrencesOfRegex(
         Text(u"ab" + std::u16string(catastrophicSubject().view())), catastrophicPattern(),
-        u"-"_text, {.watch = &watch});
+        u"-"_text, {.timeLimit = std::chrono::milliseconds(5)});
   });
   ASSERT_TRUE(error);
   EXPECT_EQ(error->fault.name, "U_REGEX_TIME_OUT");
@@ -84,14 +54,11 @@ TEST(RegexWatch, ATimeLimitIsAFailureWithItsOwnName) {
 TEST(RegexWatch, ASearchThatOnlyPassesUnitsIsStoppedToo) {
   RegexService regex;
   const Text subject(std::u16string(1 << 20, u'a'));
-  std::atomic<bool> flag = true;
-  const MatchWatch stopped{.stopFlag = &flag};
-  EXPECT_THROW(regex.isMatchedByRegex(subject, u"[b]"_text, {.watch = &stopped}), MatchStopped);
-  int asked = 0;
-  const MatchWatch counted{.isStopped = [&] { return ++asked == 2; }};
-  EXPECT_THROW(regex.isMatchedByRegex(subject, u"[b]"_text, {.watch = &counted}), MatchStopped);
-  flag = false;
-  EXPECT_FALSE(regex.isMatchedByRegex(subject, u"[b]"_text, {.watch = &stopped}));
+  {
+    const tests::StoppedWork stopped;
+    EXPECT_THROW(regex.isMatchedByRegex(subject, u"[b]"_text, {}), work::Stopped);
+  }
+  EXPECT_FALSE(regex.isMatchedByRegex(subject, u"[b]"_text, {}));
 }
 
 TEST(RegexWatch, BacktrackingBeyondItsMemoryIsAFailureAndLeavesNothingBehind) {
