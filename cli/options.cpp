@@ -65,9 +65,9 @@ class Words {
   std::span<const char* const> words_;
 };
 
-// "--direct=JSON" in its two parts.
+// "--direct=JSON" in its two parts; a word that is no option stays whole.
 std::pair<std::string, std::optional<std::string>> splitOption(std::string word) {
-  const std::size_t equals = word.find('=');
+  const std::size_t equals = word.starts_with('-') ? word.find('=') : std::string::npos;
   if (equals == std::string::npos) return {std::move(word), std::nullopt};
   return {word.substr(0, equals), word.substr(equals + 1)};
 }
@@ -82,6 +82,10 @@ std::chrono::milliseconds timeoutFrom(const std::string& text) {
     throw UsageError("--timeout needs a number of seconds, 0 or more, not “" +
                      foundation::shortened(text) + "”");
   return *timeout;
+}
+
+void requireNoValue(const std::string& option, const std::optional<std::string>& attached) {
+  if (attached) throw UsageError(option + " takes no value");
 }
 
 void setOnce(std::optional<std::string>& place, const std::string& option, std::string value) {
@@ -102,14 +106,18 @@ Options readPerform(Words words) {
     } else if (word == "--timeout") {
       setOnce(timeout, word, words.valueOf(word, std::move(attached)));
     } else if (word == "--help") {
+      requireNoValue(word, attached);
       return ShowHelp{};
     } else if (word == "--stdin") {
+      requireNoValue(word, attached);
       isStream = true;
     } else if (word.starts_with('-')) {
       throw UsageError("perform has no option “" + foundation::shortened(word) + "”");
     } else if (!perform.command.empty()) {
       throw UsageError("perform takes one command, and “" + foundation::shortened(word) +
                        "” is a second one");
+    } else if (word.find('=') != std::string::npos) {
+      throw UsageError("“" + foundation::shortened(word) + "” is no name of a command");
     } else {
       perform.command = word;
     }

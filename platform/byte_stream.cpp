@@ -1,6 +1,7 @@
 #include "platform/byte_stream.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -33,6 +34,16 @@ int openForReading(const std::string& path) {
   return descriptor;
 }
 
+// Whether a call that failed is to be tried again: after a signal at once, on a stream
+// that does not block once it is ready. Whoever shares a stream may have set it so.
+bool mayTryAgain(int descriptor, short events) {
+  if (errno == EINTR) return true;
+  if (errno != EAGAIN && errno != EWOULDBLOCK) return false;
+  constexpr int kForever = -1;
+  pollfd waited = {descriptor, events, 0};
+  return ::poll(&waited, 1, kForever) >= 0 || errno == EINTR;
+}
+
 }  // namespace
 
 InputFile::InputFile(const std::string& path)
@@ -54,7 +65,9 @@ std::size_t InputFile::read(char* buffer, std::size_t capacity) {
   for (;;) {
     const ssize_t count = ::read(descriptor_, buffer, capacity);
     if (count >= 0) return static_cast<std::size_t>(count);
-    if (errno != EINTR) throw PlatformError("Could not read " + name_, errno);
+    if (!mayTryAgain(descriptor_, POLLIN)) {
+      throw PlatformError("Could not read " + name_, errno);
+    }
   }
 }
 
@@ -85,7 +98,7 @@ void OutputStream::writeAll(const char* bytes, std::size_t count) {
   while (count > 0) {
     const ssize_t written = ::write(descriptor_, bytes, count);
     if (written < 0) {
-      if (errno == EINTR) continue;
+      if (mayTryAgain(descriptor_, POLLOUT)) continue;
       throw PlatformError("Could not write to " + name_, errno);
     }
     bytes += written;

@@ -182,6 +182,15 @@ TEST(Usage, OfPerformIsWrongWithoutItsParts) {
 TEST(Usage, OfPerformIsWrongWithPartsThatHaveNoPlace) {
   expectWrongUsage(modify({"--list", "[1]"}), "--list");
   expectWrongUsage(modify({"SKWOther"}), "SKWOther");
+  expectWrongUsage(run({"perform", "SKWModifyList=garbage"}), "SKWModifyList=garbage");
+  expectWrongUsage(run({"perform", "=garbage", "--direct", "[1]"}), "=garbage");
+  expectWrongUsage(modify({"SKWOther=garbage"}), "SKWOther=garbage");
+  expectWrongUsage(run({"perform", "--stdin=no"}), "--stdin");
+  expectWrongUsage(run({"perform", "--stdin="}), "--stdin");
+  expectWrongUsage(run({"perform", "--help=x"}), "--help");
+  expectWrongUsage(run({"--help=x"}), "--help=x");
+  expectWrongUsage(run({"--version=x"}), "--version=x");
+  expectWrongUsage(run({"commands", "--help=x"}), "--help=x");
   expectWrongUsage(modify({"--direct", "[1]", "--direct", "[2]"}), "--direct");
   expectWrongUsage(modify({"--arguments={}", "--arguments", "{}"}), "--arguments");
   expectWrongUsage(modify({"--direct", "-", "--arguments", "-"}, "[1]"), "standard input");

@@ -249,6 +249,48 @@ TEST(StandardInput, IsReadToItsEndAndStaysOpen) {
   EXPECT_NE(::fcntl(STDIN_FILENO, F_GETFD), -1);
 }
 
+// Another program that shares a pipe may have set it so that it does not block.
+TEST(StandardInput, WaitsForAPipeThatDoesNotBlock) {
+  std::array<int, 2> ends = {};
+  ASSERT_EQ(::pipe2(ends.data(), O_CLOEXEC | O_NONBLOCK), 0);
+  const std::string content(300000, 'p');
+  std::jthread writer([&, end = ends[1]] {
+    std::size_t written = 0;
+    while (written < content.size()) {
+      const ssize_t count = ::write(end, content.data() + written, content.size() - written);
+      if (count > 0) written += static_cast<std::size_t>(count);
+      if (count < 0) std::this_thread::yield();
+    }
+    ::close(end);
+  });
+  const Redirected redirected(STDIN_FILENO, ends[0]);
+  InputFile input = InputFile::standardInput();
+  EXPECT_EQ(readInPieces(input, 4096), content);
+}
+
+TEST(OutputStream, WaitsForAPipeThatDoesNotBlock) {
+  std::array<int, 2> ends = {};
+  ASSERT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
+  ASSERT_EQ(::fcntl(ends[1], F_SETFL, O_NONBLOCK), 0);
+  const std::string content(1000000, 'p');  // more than a pipe holds
+  std::string received;
+  std::jthread reader([&, end = ends[0]] {
+    std::array<char, 1000> piece = {};
+    for (ssize_t count = 0; (count = ::read(end, piece.data(), piece.size())) > 0;) {
+      received.append(piece.data(), static_cast<std::size_t>(count));
+    }
+    ::close(end);
+  });
+  {
+    const Redirected redirected(STDOUT_FILENO, ends[1]);
+    OutputStream output = OutputStream::standardOutput();
+    output.write(content);
+    output.flush();
+  }
+  reader.join();
+  EXPECT_EQ(received, content);
+}
+
 TEST(EndProcess, EndsAtOnceWithTheStatus) {
   EXPECT_EXIT(endProcess(7), testing::ExitedWithCode(7), "");
 }
