@@ -66,8 +66,11 @@ RegexOptions optionsFrom(const std::optional<Text>& letters) {
 }
 
 std::string description(const RegexError& error) {
-  return foundation::utf8FromUtf16(error.localizedDescription() + u" " +
-                                   error.localizedFailureReason());
+  std::u16string sentences = error.localizedDescription() + u" ";
+  if (const std::u16string explanation = error.explanation(); !explanation.empty()) {
+    sentences += explanation + u" ";
+  }
+  return foundation::utf8FromUtf16(sentences + error.localizedFailureReason());
 }
 
 class SKWFindIt final : public core::Command {

@@ -127,6 +127,8 @@ void setTextByCharacters(URegularExpression* regex, std::u16string_view units, U
 
 }  // namespace
 
+const std::int32_t RegexFault::kNestedTooDeep = U_REGEX_INTERNAL_ERROR;
+
 void CompiledRegex::Closer::operator()(URegularExpression* regex) const noexcept {
   uregex_close(regex);
 }

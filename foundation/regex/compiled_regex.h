@@ -31,6 +31,9 @@ struct RegexFault {
     std::u16string after;
   };
 
+  /// The code of a pattern whose groups or sets are nested more than about 100 deep.
+  static const std::int32_t kNestedTooDeep;
+
   std::int32_t code = 0;  // ICU's UErrorCode
   std::string name;       // ICU's name of it
   std::optional<Position> position;

@@ -30,6 +30,15 @@ std::uintptr_t identityOf(const Text& text) {
 
 std::size_t hashOf(const Text& pattern) { return std::hash<std::u16string_view>{}(pattern.view()); }
 
+// A fault of ICU's own is none of the pattern's.
+foundation::CompiledRegex cloneOf(const foundation::CompiledRegex& compiled) {
+  try {
+    return compiled.clone();
+  } catch (const foundation::RegexFault&) {
+    throw RegexInternalFault();
+  }
+}
+
 }  // namespace
 
 std::size_t RegexCache::setOf(const Text& pattern, RegexOptions options) noexcept {
@@ -143,7 +152,7 @@ void RegexCache::markUsed(std::size_t entry, std::size_t lookAsideSlot) {
 }
 
 RegexCache::Matcher RegexCache::takeMatcher(Entry& entry) {
-  if (entry.idle.empty()) return {entry.compiled->clone(), std::nullopt};
+  if (entry.idle.empty()) return {cloneOf(*entry.compiled), std::nullopt};
   Matcher matcher = std::move(entry.idle.back());
   entry.idle.pop_back();
   return matcher;

@@ -57,7 +57,8 @@ class RegexCache {
   explicit RegexCache(Observer observer = {});
 
   /// The compiled pattern. Throws RegexFailure where it does not compile (then no
-  /// entry is left behind) and RegexRangeException where it is too long.
+  /// entry is left behind), RegexRangeException where it is too long and
+  /// RegexInternalFault where ICU fails at what it must not.
   [[nodiscard]] Lease lease(const Text& pattern, RegexOptions options);
 
   /// Forgets every pattern.

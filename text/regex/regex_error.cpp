@@ -44,6 +44,13 @@ std::u16string RegexError::localizedFailureReason() const {
   return reason + u".";
 }
 
+std::u16string RegexError::explanation() const {
+  // The one way in which a pattern itself brings ICU's compiler to its internal error.
+  const bool isTooDeep =
+      stage == Stage::compiling && fault.code == foundation::RegexFault::kNestedTooDeep;
+  return isTooDeep ? u"Groups and sets cannot be nested as deep as this, 100 and more." : u"";
+}
+
 Record RegexError::details() const {
   Record record{
       {u"RKLICURegexErrorCode", Number::signed32(fault.code)},

@@ -52,6 +52,8 @@ struct RegexError {
   [[nodiscard]] std::u16string localizedDescription() const;
   /// One sentence more: why, and at which place of the pattern.
   [[nodiscard]] std::u16string localizedFailureReason() const;
+  /// What ICU's name of the error leaves unsaid, as a sentence; empty for most errors.
+  [[nodiscard]] std::u16string explanation() const;
   /// Everything above under its "RKLICURegex…" key. A range is the list of its
   /// location and length.
   [[nodiscard]] Record details() const;
@@ -103,7 +105,8 @@ class RegexRangeException : public RegexException {
 class RegexInternalFault : public RegexException {
  public:
   static constexpr std::string_view kName = "RKLInternalFault";
-  explicit RegexInternalFault(std::string reason) : RegexException(kName, std::move(reason)) {}
+  explicit RegexInternalFault(std::string reason = "The ICU library returned an unexpected error.")
+      : RegexException(kName, std::move(reason)) {}
 };
 
 /// The result of `operation`; nothing where its pattern fails, and then the

@@ -41,7 +41,7 @@ RegexCache::Lease RegexRun::lease(RegexCache& cache, const RegexLimits& limits) 
     describe(failure.error());
     throw;
   } catch (const foundation::RegexFault&) {
-    throw RegexInternalFault("The ICU library returned an unexpected error.");
+    throw RegexInternalFault();
   }
 }
 
@@ -73,7 +73,7 @@ foundation::UnitRange RegexRun::group(std::int32_t number) const {
   try {
     return lease_.regex().group(number);
   } catch (const foundation::RegexFault&) {
-    throw RegexInternalFault("The ICU library returned an unexpected error.");
+    throw RegexInternalFault();
   }
 }
 
