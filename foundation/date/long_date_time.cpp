@@ -36,29 +36,74 @@ struct TimeZoneUnref {
   void operator()(GTimeZone* timeZone) const { g_time_zone_unref(timeZone); }
 };
 
-// Whether the seconds that the time part spells are 60 or more, which the library
-// would take for 59.
-bool hasExtraSeconds(std::string_view text) {
-  const std::size_t time = text.find_first_of("Tt ");
-  if (time == std::string_view::npos) return false;
+constexpr std::int64_t kSecondsOfDay = 86400;
+
+// A text in a form that the library takes, and what it leaves out.
+struct PlainIso8601 {
+  std::string text;
+  std::int64_t extraSeconds = 0;
+  bool isLeapSecond = false;
+};
+
+// The digits of the time behind a position, without what separates them.
+std::string timeDigitsFrom(std::string_view text) {
   std::string digits;
-  for (const char character : text.substr(time + 1)) {
-    if (g_ascii_isdigit(character) != 0) {
-      digits += character;
-    } else if (character != ':') {
-      break;
-    }
+  for (const char character : text) {
+    if (character == '.' || character == ',' || character == ':') continue;
+    if (g_ascii_isdigit(character) == 0) break;
+    digits += character;
   }
-  return digits.size() >= 6 && digits[4] >= '6';
+  return digits;
+}
+
+// An offset from UTC stands at the end, "+02:00", "+0200" or "+02".
+bool hasPossibleOffset(std::string_view time) {
+  const std::size_t sign = time.find_first_of("+-");
+  if (sign == std::string_view::npos) return true;
+  const std::string digits = timeDigitsFrom(time.substr(sign + 1));
+  if (digits.size() != 2 && digits.size() != 4) return false;
+  constexpr int kMostMinutes = 18 * 60;
+  const int hours = std::stoi(digits.substr(0, 2));
+  const int minutes = digits.size() == 4 ? std::stoi(digits.substr(2)) : 0;
+  return minutes < 60 && hours * 60 + minutes <= kMostMinutes;
+}
+
+// The end of a day is the start of the next one, and so is a leap second, as a count of
+// seconds has no other place for it. Nothing where the time cannot be.
+std::optional<PlainIso8601> plainForm(std::string text) {
+  const std::size_t separator = text.find_first_of("Tt ");
+  if (separator == std::string::npos) return PlainIso8601{std::move(text)};
+  if (text[separator] == 't') text[separator] = 'T';
+  if (text.ends_with('z')) text.back() = 'Z';
+  const std::string_view time = std::string_view(text).substr(separator + 1);
+  if (!hasPossibleOffset(time)) return std::nullopt;
+  const std::string digits = timeDigitsFrom(time);
+  PlainIso8601 plain{std::move(text)};
+  if (digits.starts_with("24")) {
+    const bool isEndOfDay = digits.find_first_not_of('0', 2) == std::string::npos;
+    if (!isEndOfDay) return std::nullopt;
+    plain.text.replace(separator + 1, 2, "00");
+    plain.extraSeconds = kSecondsOfDay;
+  } else if (digits.size() >= 6 && digits[4] >= '6') {
+    if (digits.compare(2, 4, "5960") != 0) return std::nullopt;
+    plain.text.replace(plain.text.find("60", separator + 1 + 4), 2, "59");
+    plain.extraSeconds = 1;
+    plain.isLeapSecond = true;
+  }
+  return plain;
 }
 
 // `zone` is that of a text without an offset; null refuses such a text.
 std::optional<std::int64_t> longDateTime(const std::string& text, GTimeZone* zone) {
-  if (text.find('\0') != std::string::npos || hasExtraSeconds(text)) return std::nullopt;
+  if (text.find('\0') != std::string::npos) return std::nullopt;
+  const std::optional<PlainIso8601> plain = plainForm(text);
+  if (!plain) return std::nullopt;
   const std::unique_ptr<GDateTime, DateTimeUnref> dateTime(
-      g_date_time_new_from_iso8601(text.c_str(), zone));
+      g_date_time_new_from_iso8601(plain->text.c_str(), zone));
   if (!dateTime) return std::nullopt;
-  return g_date_time_to_unix(dateTime.get()) + kSecondsFrom1904To1970;
+  const std::int64_t seconds = g_date_time_to_unix(dateTime.get()) + plain->extraSeconds;
+  if (plain->isLeapSecond && seconds % kSecondsOfDay != 0) return std::nullopt;
+  return seconds + kSecondsFrom1904To1970;
 }
 
 }  // namespace
@@ -106,13 +151,13 @@ std::optional<std::int64_t> longDateTimeFromPlainIso8601(std::string text,
   constexpr std::size_t kDateLength = 10;     // 2024-03-01
   constexpr std::size_t kMinutesLength = 16;  // 2024-03-01T15:05
   const std::size_t space = text.find(' ', kMinutesLength);
-  if (space != std::string::npos && text.find_first_of("+-Z", space) == space + 1) {
+  if (space != std::string::npos && text.find_first_of("+-Zz", space) == space + 1) {
     text.erase(space, 1);
   }
   if (text.size() == kDateLength) text += "T00:00:00";
   const bool hasMinutes = text.size() >= kMinutesLength && text[13] == ':';
   if (hasMinutes &&
-      std::min(text.find_first_of("+-Z", kMinutesLength), text.size()) == kMinutesLength) {
+      std::min(text.find_first_of("+-Zz", kMinutesLength), text.size()) == kMinutesLength) {
     text.insert(kMinutesLength, ":00");
   }
   std::unique_ptr<GTimeZone, TimeZoneUnref> local;

@@ -21,7 +21,8 @@ std::optional<std::int64_t> longDateTimeFromDate(Date date);
 /// "2024-03-01T15:05:00Z"; nothing outside the years 1 to 9999.
 std::optional<std::string> iso8601FromLongDateTime(std::int64_t secondsSince1904);
 
-/// Any ISO 8601 date and time with an offset from UTC. A fraction of a second is dropped.
+/// Any ISO 8601 date and time with an offset from UTC, of 18 hours at most. A fraction of
+/// a second is dropped. 24:00:00 and the leap second 23:59:60 UTC are the start of the next day.
 std::optional<std::int64_t> longDateTimeFromIso8601(const std::string& text);
 
 /// The same as people write it: the seconds or the whole time may be missing, which are
