@@ -42,13 +42,13 @@ class SKWReplaceString final : public core::Command {
     isOnlyLast_ = arguments.isSet(key::onlyLast);
     if (isOnlyFirst_ && isOnlyLast_) throw ScriptError(kFirstAndLast);
     searched_ = arguments.find(key::stringToSearch)->raw();
-    search_.emplace(
-        core::textFromScriptValue(*directParameter())->view(),
-        foundation::FoldingOptions{.caseInsensitive = !arguments.isSet(key::caseMatters),
-                                   .diacriticInsensitive = arguments.isSet(key::diacriticalFlag)});
+    sought_ = *core::textFromScriptValue(*directParameter());
+    folding_ = {.caseInsensitive = !arguments.isSet(key::caseMatters),
+                .diacriticInsensitive = arguments.isSet(key::diacriticalFlag)};
   }
 
   std::optional<Value> compute() override {
+    search_.emplace(sought_.view(), folding_);
     return mapTexts(
         searched_,
         {.convert = [this](const Text& text) -> std::optional<Value> { return replaced(text); },
@@ -74,7 +74,9 @@ class SKWReplaceString final : public core::Command {
 
   ScriptValue searched_;
   std::optional<Text> replacement_;
-  std::optional<TextSearch> search_;
+  Text sought_;
+  foundation::FoldingOptions folding_;
+  std::optional<TextSearch> search_;  // made ready in the task
   bool isOnlyFirst_ = false;
   bool isOnlyLast_ = false;
 };

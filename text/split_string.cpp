@@ -95,27 +95,26 @@ class SKWSplitString final : public core::Command {
     }
     const core::Arguments& arguments = evaluatedArguments();
     const std::optional<Text> separator = textArgument(arguments.find(key::splittingString));
-    const bool isByCharacter = arguments.isSet(key::byCharacter);
-    const bool isCaseInsensitive = !arguments.isSet(key::caseMatters);
+    isByCharacter_ = arguments.isSet(key::byCharacter);
+    folding_ = {.caseInsensitive = !arguments.isSet(key::caseMatters),
+                .diacriticInsensitive = arguments.isSet(key::ignoreDiacriticals)};
     isOnlyFirst_ = arguments.isSet(key::onlyFirst);
     isOnlyLast_ = arguments.isSet(key::onlyLast);
-    if (isOnlyFirst_ && isByCharacter) throw ScriptError(kFirstByCharacter);
-    if (isOnlyLast_ && isByCharacter) throw ScriptError(kLastByCharacter);
+    if (isOnlyFirst_ && isByCharacter_) throw ScriptError(kFirstByCharacter);
+    if (isOnlyLast_ && isByCharacter_) throw ScriptError(kLastByCharacter);
     if (isOnlyLast_ && isOnlyFirst_) throw ScriptError(kFirstAndLast);
     if (!separator) {
       scripting::refuseMissing(key::splittingString, wordsOf(scripting::Kinds::text).one);
     }
-    if (isByCharacter) {
-      separators_.emplace(separator->view());
-    } else {
-      search_.emplace(separator->view(),
-                      foundation::FoldingOptions{
-                          .caseInsensitive = isCaseInsensitive,
-                          .diacriticInsensitive = arguments.isSet(key::ignoreDiacriticals)});
-    }
+    separator_ = *separator;
   }
 
   std::optional<Value> compute() override {
+    if (isByCharacter_) {
+      separators_.emplace(separator_.view());
+    } else {
+      search_.emplace(separator_.view(), folding_);
+    }
     return convertTextOrTexts(*takeDirectParameter(), kNotTexts,
                               [this](const Text& text) { return piecesOf(text); });
   }
@@ -139,8 +138,12 @@ class SKWSplitString final : public core::Command {
     return pieces;
   }
 
+  Text separator_;
+  foundation::FoldingOptions folding_;
+  // The separator, made ready in the task.
   std::optional<CharacterSet> separators_;
   std::optional<TextSearch> search_;
+  bool isByCharacter_ = false;
   bool isOnlyFirst_ = false;
   bool isOnlyLast_ = false;
 };
