@@ -151,7 +151,7 @@ std::optional<Text> textFromScriptValue(const ScriptValue& value) {
     case number("ut16"_code):
       return Text(foundation::utf16FromUtf16Bytes(bytes));
     case number("utf8"_code):
-      return Text(foundation::utf16FromUtf8Replacing(bytes));
+      return Text(foundation::utf16FromUtf8Replacing(foundation::withoutUtf8Mark(bytes)));
     case number("TEXT"_code):
     case number("STXT"_code):
       return Text(foundation::utf16FromMacRoman(bytes));
@@ -321,7 +321,9 @@ Text bestStringFromURL(const Url& url, const platform::FileContents& files) {
                                   "”: it is not the address of a file on this machine.");
   }
   const std::string bytes = files.readWhole(*path);
-  if (auto text = foundation::utf16FromUtf8(bytes)) return Text(std::move(*text));
+  if (auto text = foundation::utf16FromUtf8(foundation::withoutUtf8Mark(bytes))) {
+    return Text(std::move(*text));
+  }
   return Text(foundation::utf16FromMacRoman(bytes));
 }
 

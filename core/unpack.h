@@ -58,7 +58,8 @@ Value unpackAEListJustText(const ScriptValue& list);
 Value unpackTextOrListOrFile(const ScriptValue& value, const platform::FileContents& files);
 Value unpackAEListJustTextOrFile(const ScriptValue& list, const platform::FileContents& files);
 
-/// The whole text of a file: UTF-8, or Mac OS Roman where it is not valid UTF-8.
+/// The whole text of a file: UTF-8, without a byte-order mark at its front, or Mac OS Roman
+/// where it is not valid UTF-8.
 /// Throws platform::PlatformError when the file cannot be read.
 Text bestStringFromURL(const Url& url, const platform::FileContents& files);
 

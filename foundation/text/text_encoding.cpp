@@ -80,16 +80,29 @@ const unsigned char* copyAscii(const unsigned char* bytes, const unsigned char* 
   return bytes;
 }
 
-// False at the first ill-formed subsequence, unless they are to be replaced.
-bool decodeUtf8(std::string_view utf8, bool replacing, std::u16string& text) {
+enum class IllFormed { refused, replaced, keptAsSurrogates };
+
+constexpr char16_t kFirstByteSurrogate = 0xDC00;
+
+// False at the first ill-formed subsequence where such are refused.
+bool decodeUtf8(std::string_view utf8, IllFormed illFormed, std::u16string& text) {
   text.resize(utf8.size());  // no character has more units than bytes
   char16_t* out = text.data();
   const auto* bytes = reinterpret_cast<const unsigned char*>(utf8.data());
   const unsigned char* const end = bytes + utf8.size();
   while ((bytes = copyAscii(bytes, end, out)) != end) {
     const Decoded next = decodeMultibyte(bytes, static_cast<std::size_t>(end - bytes));
-    if (!next.isWellFormed && !replacing) return false;
-    out += encodeUtf16(next.isWellFormed ? next.character : kReplacement, out);
+    if (next.isWellFormed) {
+      out += encodeUtf16(next.character, out);
+    } else if (illFormed == IllFormed::replaced) {
+      *out++ = kReplacement;
+    } else if (illFormed == IllFormed::keptAsSurrogates) {
+      for (std::size_t i = 0; i < next.length; ++i) {
+        *out++ = static_cast<char16_t>(kFirstByteSurrogate + bytes[i]);
+      }
+    } else {
+      return false;
+    }
     bytes += next.length;
   }
   text.resize(static_cast<std::size_t>(out - text.data()));
@@ -100,13 +113,13 @@ bool decodeUtf8(std::string_view utf8, bool replacing, std::u16string& text) {
 
 std::optional<std::u16string> utf16FromUtf8(std::string_view bytes) {
   std::u16string text;
-  if (!decodeUtf8(bytes, false, text)) return std::nullopt;
+  if (!decodeUtf8(bytes, IllFormed::refused, text)) return std::nullopt;
   return text;
 }
 
 std::u16string utf16FromUtf8Replacing(std::string_view bytes) {
   std::u16string text;
-  decodeUtf8(bytes, true, text);
+  decodeUtf8(bytes, IllFormed::replaced, text);
   return text;
 }
 
@@ -145,7 +158,24 @@ std::size_t encodeUtf8(char32_t character, char* bytes) {
   return 4;
 }
 
-std::string utf8FromUtf16(std::u16string_view text) {
+std::u16string textFromFileName(std::string_view bytes) {
+  std::u16string text;
+  decodeUtf8(bytes, IllFormed::keptAsSurrogates, text);
+  return text;
+}
+
+std::string_view withoutUtf8Mark(std::string_view bytes) {
+  constexpr std::string_view kMark = "\xEF\xBB\xBF";
+  if (bytes.starts_with(kMark)) bytes.remove_prefix(kMark.size());
+  return bytes;
+}
+
+namespace {
+
+// Gives each lone surrogate to a function, which gives the byte that it stands for, or
+// nothing to have it replaced.
+template <class ByteOf>
+std::string encodeAsUtf8(std::u16string_view text, ByteOf&& byteOf) {
   std::string bytes;
   bytes.reserve(text.size() + text.size() / 8);
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -157,11 +187,34 @@ std::string utf8FromUtf16(std::u16string_view text) {
     if (isLeadingSurrogate(text[i]) && i + 1 < text.size() && isTrailingSurrogate(text[i + 1])) {
       character = ((character & 0x3FFU) << 10U) + (text[++i] & 0x3FFU) + 0x10000;
     } else if (isLeadingSurrogate(text[i]) || isTrailingSurrogate(text[i])) {
+      if (const std::optional<char> byte = byteOf(text[i])) {
+        bytes += *byte;
+        continue;
+      }
       character = kReplacement;
     }
     char encoded[4];
     bytes.append(encoded, encodeUtf8(character, encoded));
   }
+  return bytes;
+}
+
+}  // namespace
+
+std::string utf8FromUtf16(std::u16string_view text) {
+  return encodeAsUtf8(text, [](char16_t) { return std::optional<char>(); });
+}
+
+std::optional<std::string> fileNameFromText(std::u16string_view text) {
+  bool isName = true;
+  std::string bytes = encodeAsUtf8(text, [&isName](char16_t unit) -> std::optional<char> {
+    const bool standsForByte =
+        unit >= kFirstByteSurrogate + 0x80 && unit <= kFirstByteSurrogate + 0xFF;
+    isName = isName && standsForByte;
+    if (!standsForByte) return std::nullopt;
+    return static_cast<char>(unit - kFirstByteSurrogate);
+  });
+  if (!isName) return std::nullopt;
   return bytes;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 // Conversions between UTF-16 text and bytes. All of them are linear and keep no
-// state. Lone surrogates, which no byte encoding here can hold, become U+FFFD.
+// state. Lone surrogates, which no byte encoding here can hold, become U+FFFD, but
+// for those that stand for bytes of file names.
 
 #include <cstddef>
 #include <optional>
@@ -26,6 +27,16 @@ std::optional<CodePoint> codePointFromUtf8(std::string_view bytes);
 
 /// Writes the one to four bytes of a character, which must not be a surrogate; how many.
 std::size_t encodeUtf8(char32_t character, char* bytes);
+
+/// The bytes of a file name, which may be any, as text: UTF-8 where they are, and each other
+/// byte as the lone surrogate U+DC00 above it. No two names become the same text.
+std::u16string textFromFileName(std::string_view bytes);
+
+/// The bytes again; nothing where a lone surrogate stands for no such byte.
+std::optional<std::string> fileNameFromText(std::u16string_view text);
+
+/// The bytes without a byte-order mark of UTF-8 at their front.
+std::string_view withoutUtf8Mark(std::string_view bytes);
 
 /// Whether any half of a surrogate pair stands without the other.
 bool hasLoneSurrogate(std::u16string_view text) noexcept;

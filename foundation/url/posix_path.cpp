@@ -38,11 +38,12 @@ std::u16string withTildeExpanded(std::u16string_view path, const platform::Platf
   if (!path.starts_with(u'~')) return std::u16string(path);
   const std::size_t end = std::min(path.find(u'/'), path.size());
   const std::u16string_view user = path.substr(1, end - 1);
-  if (holdsNul(user)) return std::u16string(path);
+  const std::optional<std::string> name = fileNameFromText(user);
+  if (!name || holdsNul(user)) return std::u16string(path);
   const std::optional<std::string> home =
-      platform::homeFolder(platform.environment, platform.accounts, utf8FromUtf16(user));
+      platform::homeFolder(platform.environment, platform.accounts, *name);
   if (!home) return std::u16string(path);
-  return utf16FromUtf8Replacing(*home) + std::u16string(path.substr(end));
+  return textFromFileName(*home) + std::u16string(path.substr(end));
 }
 
 // An absolute path on its way through its components.
@@ -72,12 +73,13 @@ class Walk {
     constexpr std::size_t kLongestPath = 4096;
     if (unitCount_ > kLongestPath) return;
     const std::u16string folder = path();
-    if (holdsNul(folder)) return;
-    const auto real = facts_.resolvedLink(utf8FromUtf16(folder));
+    const std::optional<std::string> name = fileNameFromText(folder);
+    if (!name || holdsNul(folder)) return;
+    const auto real = facts_.resolvedLink(*name);
     if (!real) return;
     components_.clear();
     unitCount_ = 0;
-    for (std::u16string& component : componentsOf(utf16FromUtf8Replacing(*real))) {
+    for (std::u16string& component : componentsOf(textFromFileName(*real))) {
       goInto(std::move(component));
     }
   }

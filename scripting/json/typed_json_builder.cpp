@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <iterator>
 #include <limits>
 #include <memory>
@@ -164,9 +165,42 @@ ScriptValue dateFrom(const std::string& text) {
   return ScriptValue::withPlain("ldt "_code, *seconds);
 }
 
+// A text that names a file, as the bytes that the file system knows.
+std::string fileNameOf(const ScriptValue& value, std::u16string_view form) {
+  const auto text = core::textFromScriptValue(value);
+  if (!text) refuse("“" + utf8(form) + "” needs a text");
+  auto name = foundation::fileNameFromText(text->view());
+  if (!name) {
+    refuse("“" + utf8(form) + "” cannot hold a lone surrogate but \\uDC80 to \\uDCFF");
+  }
+  return std::move(*name);
+}
+
+// A URL as it stands; only what stands for a byte of a file name is escaped.
+std::string urlOf(const ScriptValue& value, std::u16string_view form) {
+  std::string url = fileNameOf(value, form);
+  const auto text = core::textFromScriptValue(value);
+  if (!foundation::hasLoneSurrogate(text->view())) return url;
+  url.clear();
+  for (std::size_t i = 0; i < text->view().size();) {
+    const foundation::CodePoint character = foundation::codePointAt(text->view(), i);
+    const std::string bytes =
+        *foundation::fileNameFromText(text->view().substr(i, character.unitCount));
+    if (character.isLoneSurrogate()) {
+      char escape[4];
+      std::snprintf(escape, sizeof escape, "%%%02X", static_cast<unsigned char>(bytes.front()));
+      url += escape;
+    } else {
+      url += bytes;
+    }
+    i += character.unitCount;
+  }
+  return url;
+}
+
 // A path, without slashes at its end, so that one file has one spelling.
 std::string absolutePath(const ScriptValue& value, std::u16string_view form) {
-  std::string path = textOf(value, form);
+  std::string path = fileNameOf(value, form);
   if (!path.starts_with('/')) refuse("“" + utf8(form) + "” needs a path that begins with “/”");
   if (path.find('\0') != std::string::npos) {
     refuse("“" + utf8(form) + "” needs a path without the character NUL");
@@ -373,7 +407,7 @@ ScriptValue TypedJsonBuilder::singleForm(std::u16string_view label,
     return ScriptValue::withPayload(
         "furl"_code, foundation::fileUrl(absolutePath(value, label))->absoluteString);
   }
-  if (label == u"$url") return ScriptValue::withPayload("furl"_code, textOf(value, label));
+  if (label == u"$url") return ScriptValue::withPayload("furl"_code, urlOf(value, label));
   if (label == u"$alias") {
     return ScriptValue::withPayload("alis"_code, absolutePath(value, label));
   }

@@ -318,12 +318,10 @@ class ValueWriter {
     return payload.has_value();
   }
 
-  // A path can be any bytes; what is no UTF-8 has no such form.
   bool writePath(std::u16string_view label, std::string_view path) {
     while (path.size() > 1 && path.ends_with('/')) path.remove_suffix(1);
-    const auto text = foundation::utf16FromUtf8(path);
-    if (!text || !path.starts_with('/') || path.find('\0') != std::string_view::npos) return false;
-    form(label, *text);
+    if (!path.starts_with('/') || path.find('\0') != std::string_view::npos) return false;
+    form(label, foundation::textFromFileName(path));
     return true;
   }
 

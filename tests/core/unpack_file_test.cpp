@@ -90,6 +90,26 @@ TEST(UnpackAEListJustTextOrFile, PutsTheTextOfEachFileInItsPlace) {
   EXPECT_EQ(described(unpackTextOrListOrFile(list)), kExpected);
 }
 
+TEST(BestStringFromUrl, DropsAByteOrderMarkOfUtf8) {
+  const ScratchFolder folder;
+  const auto textOf = [&](const std::string& content) {
+    return described(unpackTextOrListOrFile(fileAt(folder.write("file", content))));
+  };
+  EXPECT_EQ(textOf("\xEF\xBB\xBF"
+                   "a"),
+            "“a”");
+  EXPECT_EQ(textOf("\xEF\xBB\xBF"), "“”");
+  EXPECT_EQ(textOf("a\xEF\xBB\xBF"), "“a\\uFEFF”");
+  // What is no UTF-8 keeps all its bytes.
+  EXPECT_EQ(textOf("\xEF\xBB\xBF\x8E"), "“\\u00D4\\u00AA\\u00F8\\u00E9”");
+}
+
+TEST(UnpackAEListJustTextOrFile, ReadsFilesWhoseNamesAreNoUtf8) {
+  const ScratchFolder folder;
+  EXPECT_EQ(described(unpackTextOrListOrFile(fileAt(folder.write("name \xFF", "content")))),
+            "“content”");
+}
+
 TEST(UnpackAEListJustTextOrFile, DoesNotLookAtTheItemsAfterIt) {
   const platform::SystemPlatform system;
   tests::FailingPlatform failing(system);

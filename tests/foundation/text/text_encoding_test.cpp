@@ -242,5 +242,39 @@ TEST(Utf16Bytes, AreReadInTheOrderThatAMarkTells) {
   }
 }
 
+TEST(FileNames, KeepBytesThatAreNoUtf8) {
+  const struct {
+    std::string bytes;
+    std::u16string text;
+  } cases[] = {
+      {"", u""},
+      {"a/é😀", u"a/é😀"},
+      {"\xFF", {u'\xDCFF'}},
+      {"a\x80"
+       "b",
+       {u'a', u'\xDC80', u'b'}},
+      {"\xC3", {u'\xDCC3'}},
+      {"\xE2\x82", {u'\xDCE2', u'\xDC82'}},
+      {"\xED\xB2\x80", {u'\xDCED', u'\xDCB2', u'\xDC80'}},  // would spell a surrogate
+      {"\xF0\x9F\x98\x80\xFF", {u'\xD83D', u'\xDE00', u'\xDCFF'}},
+  };
+  for (const auto& each : cases) {
+    EXPECT_EQ(textFromFileName(each.bytes), each.text);
+    EXPECT_EQ(fileNameFromText(each.text), each.bytes);
+  }
+}
+
+TEST(FileNames, AreNothingWhereASurrogateStandsForNoByte) {
+  for (const char16_t unit : {u'\xD800', u'\xDBFF', u'\xDC00', u'\xDC7F', u'\xDD00', u'\xDFFF'}) {
+    EXPECT_EQ(fileNameFromText(std::u16string{u'a', unit, u'b'}), std::nullopt);
+  }
+}
+
+RC_GTEST_PROP(FileNames, AnyBytesComeBack, ()) {
+  const auto bytes = *rc::gen::container<std::string>(
+      rc::gen::elementOf(std::string("a/\xC3\xA9\x80\xED\xB2\xF0\x9F\x98\xFF\xE2", 13)));
+  RC_ASSERT(fileNameFromText(textFromFileName(bytes)) == bytes);
+}
+
 }  // namespace
 }  // namespace skerrow::foundation

@@ -55,6 +55,12 @@ TEST(PosixPath, KeepsUnitsThatNoFileNameCanHold) {
   EXPECT_EQ(standardizedPath(path, platform::SystemPlatform()), (std::u16string{u'/', u'\xD800'}));
 }
 
+TEST(PosixPath, KeepsBytesOfNamesThatAreNoUtf8) {
+  const std::u16string path = {u'/', u'a', u'\xDCFF', u'/', u'.', u'/', u'b'};
+  EXPECT_EQ(standardizedPath(path, platform::SystemPlatform()),
+            (std::u16string{u'/', u'a', u'\xDCFF', u'/', u'b'}));
+}
+
 TEST(PosixPath, ExpandsATildeInFront) {
   const platform::SystemPlatform system;
   const tests::GivenEnvironment environment(system.environment, {{"HOME", "/home/of mine"}});
@@ -96,6 +102,16 @@ TEST_F(PosixPathOnDisk, GoesToTheRealParentBehindASymbolicLink) {
   EXPECT_EQ(standardized(folder / "link/x"), folder / "link/x");
   EXPECT_EQ(standardized(folder / "real/../link/../.."), folder);
   EXPECT_EQ(standardized(folder / "broken/../x"), folder / "x");
+}
+
+TEST_F(PosixPathOnDisk, FollowsLinksWhoseNamesAreNoUtf8) {
+  fs::create_directories(folder / "real/\xFE/inner");
+  fs::create_directory_symlink(folder / "real/\xFE/inner", folder / "link\xFF");
+  const std::u16string start = textFromFileName(folder.native());
+  const std::u16string given =
+      start + std::u16string{u'/', u'l', u'i', u'n', u'k', u'\xDCFF'} + u"/../x";
+  EXPECT_EQ(standardizedPath(given, platform::SystemPlatform()),
+            start + u"/real/" + std::u16string{u'\xDCFE'} + u"/x");
 }
 
 }  // namespace
