@@ -51,6 +51,8 @@ constexpr ErrorEntry kNotHexadecimal = {1022, "Conversion failed, reason unknown
 constexpr ErrorEntry kNotDecoded = {1023, "Conversion failed, reason unknown."};
 constexpr ErrorEntry kNoTransform = {1024, "No 'ICU transform' parameter specified."};
 constexpr ErrorEntry kBadTransform = {1025, "ICU transform failed. Invalid transform specified?"};
+constexpr ErrorEntry kLongTransform = {1025, "The name of the ICU transform is too long."};
+constexpr ErrorEntry kGrowingText = {1025, "The text grows too long when it is transformed."};
 constexpr int kUnreadableFile = 1026;
 
 struct FixedTransform {
@@ -64,6 +66,10 @@ constexpr FixedTransform kFromHexadecimal = {u"Hex-Any", kNotDecoded};
 
 constexpr PatternReplacement kBlankLines = {u"(?m)^[ \t]*[\r\n]", u""};
 constexpr PatternReplacement kLastBlankLine = {u"[\r\n][ \t]*$", u""};
+
+// Of a transform's name, in units: names of names, one behind the other, take time and
+// memory for each.
+constexpr std::size_t kLongestTransformName = 2000;
 
 constexpr std::uint32_t kDefaultPadLength = 20;
 // What padding may add for one command, over all its texts.
@@ -112,9 +118,8 @@ class SKWMungeText final : public core::Command {
     const core::Arguments& arguments = evaluatedArguments();
     if (const Value* options = arguments.find(key::stringMungeOption)) readOptions(*options);
     if (const auto given = textArgument(arguments.find(key::padString))) padString_ = *given;
-    if (const auto given = arguments.integer(key::padLength)) {
-      padLength_ = static_cast<std::uint32_t>(*given);
-    }
+    if (const auto given = arguments.integer(key::padLength)) givenPadLength_ = *given;
+    padLength_ = static_cast<std::uint32_t>(givenPadLength_);
     isTransformInverse_ = arguments.isSet(key::transformInverse);
     transformName_ = textArgument(arguments.find(key::transformName));
     service_ = sharedRegexService(context());
@@ -182,7 +187,7 @@ class SKWMungeText final : public core::Command {
       units.resize(padLength_);
     } else if (!pad.empty()) {
       padding_ += padLength_ - units.size();
-      if (padding_ > kMostPadding) throw ScriptError(kTooLong, padLength_);
+      if (padding_ > kMostPadding) throw ScriptError(kTooLong, givenPadLength_);
       units.reserve(padLength_);
       while (padLength_ - units.size() > pad.size()) units += pad;
       units += pad.substr(0, padLength_ - units.size());
@@ -214,24 +219,25 @@ class SKWMungeText final : public core::Command {
     if (!transformName_) throw ScriptError(kNoTransform);
     const auto direction = isTransformInverse_ ? Transliteration::Direction::reverse
                                                : Transliteration::Direction::forward;
+    if (transformName_->unitCount() > kLongestTransformName) throw ScriptError(kLongTransform);
     if (!named_) named_ = Transliteration::make(transformName_->view(), direction);
-    return apply(named_, text, kBadTransform);
+    return apply(named_, text, kBadTransform, kGrowingText);
   }
 
   template <const FixedTransform& kTransform, std::optional<Transliteration> SKWMungeText::*kMade>
   bool transform(WorkingText& text) {
     std::optional<Transliteration>& made = this->*kMade;
     if (!made) made = Transliteration::make(kTransform.identifier);
-    return apply(made, text, kTransform.failure);
+    return apply(made, text, kTransform.failure, kTransform.failure);
   }
 
   static bool apply(const std::optional<Transliteration>& transform, WorkingText& text,
-                    const ErrorEntry& failure) {
-    if (!transform) throw ScriptError(failure);
+                    const ErrorEntry& unknown, const ErrorEntry& tooLong) {
+    if (!transform) throw ScriptError(unknown);
     try {
       text = transform->apply(text.view());
     } catch (const std::length_error&) {
-      throw ScriptError(failure);
+      throw ScriptError(tooLong);
     }
     return true;
   }
@@ -259,7 +265,8 @@ class SKWMungeText final : public core::Command {
   std::optional<Transliteration> toHexadecimal_;
   std::optional<Transliteration> fromHexadecimal_;
   Text padString_{std::u16string_view(u" ")};
-  std::uint32_t padLength_ = kDefaultPadLength;
+  std::int64_t givenPadLength_ = kDefaultPadLength;
+  std::uint32_t padLength_ = kDefaultPadLength;  // Kept: what is below 0 counts from above
   std::size_t padding_ = 0;
   bool isTransformInverse_ = false;
   std::optional<Text> transformName_;

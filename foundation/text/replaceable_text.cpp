@@ -1,6 +1,7 @@
 #include "foundation/text/replaceable_text.h"
 
 #include <algorithm>
+#include <stdexcept>
 
 #include "foundation/text/code_points.h"
 
@@ -8,7 +9,15 @@ namespace skerrow::foundation {
 
 UOBJECT_DEFINE_RTTI_IMPLEMENTATION(ReplaceableText)
 
-ReplaceableText::ReplaceableText(std::u16string_view text) : body_(text) {}
+ReplaceableText::ReplaceableText(std::u16string_view text, std::size_t longest)
+    : longest_(longest) {
+  requireRoomFor(text.size());
+  body_ = text;
+}
+
+void ReplaceableText::requireRoomFor(std::size_t unitCount) const {
+  if (unitCount > longest_) throw std::length_error("The text is too long to be transformed.");
+}
 
 std::u16string ReplaceableText::text() const { return units(0, bodyLength() + behind_.size()); }
 
@@ -64,6 +73,7 @@ void ReplaceableText::copy(std::int32_t start, std::int32_t limit, std::int32_t 
 void ReplaceableText::replace(std::size_t start, std::size_t limit,
                               std::u16string_view replacement) {
   const std::size_t body = bodyLength();
+  requireRoomFor(body + behind_.size() + replacement.size());
   if (start >= body) {
     behind_.replace(start - body, limit - start, replacement);
     return;

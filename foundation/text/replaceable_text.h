@@ -17,8 +17,9 @@ namespace skerrow::foundation {
 
 class ReplaceableText final : public icu::Replaceable {
  public:
-  /// At most INT32_MAX / 2 units.
-  explicit ReplaceableText(std::u16string_view text);
+  /// The text does not grow beyond so many units: what would make it do so throws
+  /// std::length_error.
+  ReplaceableText(std::u16string_view text, std::size_t longest);
 
   /// The text as it is now.
   [[nodiscard]] std::u16string text() const;
@@ -57,6 +58,9 @@ class ReplaceableText final : public icu::Replaceable {
   void moveGap(std::size_t position);
   void widenGap(std::size_t atLeast);
 
+  void requireRoomFor(std::size_t unitCount) const;
+
+  std::size_t longest_;
   std::u16string body_;  // with the gap in it
   std::size_t gapBegin_ = 0;
   std::size_t gapEnd_ = 0;

@@ -3,8 +3,6 @@
 #include <unicode/translit.h>
 
 #include <algorithm>
-#include <limits>
-#include <stdexcept>
 #include <utility>
 
 #include "foundation/text/icu_text.h"
@@ -35,8 +33,9 @@ std::optional<Transliteration> Transliteration::make(std::u16string_view identif
 
 namespace {
 
-std::u16string applyToWhole(const icu::Transliterator& icu, std::u16string_view text) {
-  ReplaceableText replaceable(text);
+std::u16string applyToWhole(const icu::Transliterator& icu, std::u16string_view text,
+                            std::size_t longest) {
+  ReplaceableText replaceable(text, longest);
   icu.transliterate(replaceable);
   return replaceable.text();
 }
@@ -45,7 +44,8 @@ std::u16string applyToWhole(const icu::Transliterator& icu, std::u16string_view 
 // run of their script. Rules look no further than to the end of a line, so long
 // texts go line by line, a few thousand units at a time, each piece with the line
 // end before it in its sight.
-std::u16string applyToLines(const icu::Transliterator& icu, std::u16string_view text) {
+std::u16string applyToLines(const icu::Transliterator& icu, std::u16string_view text,
+                            std::size_t longest) {
   constexpr std::size_t kPieceLength = 1 << 12;
   std::u16string result;
   result.reserve(text.size());
@@ -53,7 +53,9 @@ std::u16string applyToLines(const icu::Transliterator& icu, std::u16string_view 
     const std::size_t lineEnd = text.find(u'\n', std::min(begin + kPieceLength, text.size()));
     const std::size_t end = std::min(lineEnd, text.size() - 1) + 1;
     const std::size_t context = begin == 0 ? 0 : 1;
-    ReplaceableText piece(text.substr(begin - context, end - begin + context));
+    const std::size_t used = std::min(result.size(), longest);
+    ReplaceableText piece(text.substr(begin - context, end - begin + context),
+                          longest - used + context);
     UTransPosition position{};
     position.contextLimit = position.limit = piece.length();
     position.start = static_cast<std::int32_t>(context);
@@ -66,14 +68,12 @@ std::u16string applyToLines(const icu::Transliterator& icu, std::u16string_view 
 
 }  // namespace
 
-std::u16string Transliteration::apply(std::u16string_view text) const {
-  constexpr std::size_t kTooLong = std::numeric_limits<std::int32_t>::max() / 2;
+std::u16string Transliteration::apply(std::u16string_view text, std::size_t longest) const {
   constexpr std::size_t kLong = 1 << 14;
   constexpr std::u16string_view kLineEnd = u"\n";
-  if (text.size() >= kTooLong) throw std::length_error("The text is too long to be transformed.");
   const icu::Transliterator& icu = *transform_->icu;
-  const bool isByLines = text.size() > kLong && applyToWhole(icu, kLineEnd) == kLineEnd;
-  return isByLines ? applyToLines(icu, text) : applyToWhole(icu, text);
+  const bool isByLines = text.size() > kLong && applyToWhole(icu, kLineEnd, kLongest) == kLineEnd;
+  return isByLines ? applyToLines(icu, text, longest) : applyToWhole(icu, text, longest);
 }
 
 }  // namespace skerrow::foundation

@@ -22,8 +22,12 @@ class Transliteration {
   Transliteration& operator=(Transliteration&&) noexcept;
   ~Transliteration();
 
-  /// Throws std::length_error for a text of INT32_MAX / 2 units or more.
-  [[nodiscard]] std::u16string apply(std::u16string_view text) const;
+  static constexpr std::size_t kLongest = std::size_t{1} << 28U;  ///< units
+
+  /// Throws std::length_error for a text that is longer than `longest`, at most kLongest, or
+  /// grows to be: a transform may make ten units of each, and the next one ten of each of those.
+  [[nodiscard]] std::u16string apply(std::u16string_view text,
+                                     std::size_t longest = kLongest) const;
 
  private:
   struct Transform;

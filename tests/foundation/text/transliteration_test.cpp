@@ -4,6 +4,7 @@
 #include <unicode/translit.h>
 
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -47,6 +48,21 @@ TEST(Transliteration, AppliesTransformsByName) {
     EXPECT_EQ(applied(each.identifier, each.text, each.direction), each.expected)
         << utf8FromUtf16(each.identifier);
   }
+}
+
+TEST(Transliteration, StopsATextThatGrowsWithoutEnd) {
+  const auto growing = Transliteration::make(u"Any-Hex;Any-Hex;Any-Hex;Any-Hex;Any-Hex;Any-Hex");
+  EXPECT_THROW((void)growing->apply(u"a", 2000), std::length_error);
+  const auto escaping = Transliteration::make(u"Any-Hex");
+  EXPECT_EQ(escaping->apply(u"ab", 100), u"\\u0061\\u0062");
+  EXPECT_THROW((void)escaping->apply(u"ab", 11), std::length_error);
+  EXPECT_THROW((void)escaping->apply(u"ab", 1), std::length_error);
+  // Line by line.
+  std::u16string lines;
+  for (int i = 0; i < 20'000; ++i) lines += u"a\n";
+  const auto latin = Transliteration::make(u"Latin-Cyrillic");
+  EXPECT_EQ(latin->apply(lines, lines.size() + 10).size(), lines.size());
+  EXPECT_THROW((void)latin->apply(lines, lines.size() - 1), std::length_error);
 }
 
 std::u16string appliedInOneCall(const icu::Transliterator& transform, const std::u16string& text) {
