@@ -66,17 +66,23 @@ void RegexCache::Entry::empty() noexcept {
   ++generation;
 }
 
-RegexCache::RegexCache(Observer observer) : observer_(std::move(observer)) {}
+RegexCache::RegexCache(Observer observer) : entries_(Entries(std::move(observer))) {}
 
 RegexCache::Lease RegexCache::lease(const Text& pattern, RegexOptions options) {
-  const std::lock_guard guard(lock_);
+  auto entries = entries_.access();
+  const std::size_t place = entries->placeOf(pattern, options);
+  return {*this, place, entries->at(place)};
+}
+
+std::size_t RegexCache::Entries::placeOf(const Text& pattern, RegexOptions options) {
   const std::optional<std::size_t> found = findEntry(pattern, options);
   const std::size_t place = found ? *found : compileEntry(pattern, options);
   markUsed(place, lookAsideSlotOf(pattern, options));
-  return {*this, place, entries_[place]};
+  return place;
 }
 
-std::optional<std::size_t> RegexCache::findEntry(const Text& pattern, RegexOptions options) {
+std::optional<std::size_t> RegexCache::Entries::findEntry(const Text& pattern,
+                                                          RegexOptions options) {
   // The entry used last, for the very same text object.
   if (lastUsed_) {
     const Entry& entry = entries_[*lastUsed_];
@@ -105,7 +111,7 @@ std::optional<std::size_t> RegexCache::findEntry(const Text& pattern, RegexOptio
   return std::nullopt;
 }
 
-std::size_t RegexCache::compileEntry(const Text& pattern, RegexOptions options) {
+std::size_t RegexCache::Entries::compileEntry(const Text& pattern, RegexOptions options) {
   const std::size_t set = setOf(pattern, options);
   const std::size_t place = set * kEntriesPerSet + leastRecentlyUsedEntry(set);
   Entry& entry = entries_[place];
@@ -135,7 +141,7 @@ std::size_t RegexCache::compileEntry(const Text& pattern, RegexOptions options) 
 }
 
 // Of several entries that were never used, the one that the set search sees first.
-std::size_t RegexCache::leastRecentlyUsedEntry(std::size_t set) const {
+std::size_t RegexCache::Entries::leastRecentlyUsedEntry(std::size_t set) const {
   for (std::size_t entry = kEntriesPerSet; entry-- > 0;) {
     if ((usage_[set] & rowOf(entry)) == 0) return entry;
   }
@@ -143,7 +149,7 @@ std::size_t RegexCache::leastRecentlyUsedEntry(std::size_t set) const {
   std::abort();
 }
 
-void RegexCache::markUsed(std::size_t entry, std::size_t lookAsideSlot) {
+void RegexCache::Entries::markUsed(std::size_t entry, std::size_t lookAsideSlot) {
   lastUsed_ = entry;
   lookAside_[lookAsideSlot] = static_cast<std::uint8_t>(entry);
   std::uint16_t& usage = usage_[entry / kEntriesPerSet];
@@ -162,28 +168,30 @@ void RegexCache::giveBack(std::size_t entry, std::uint64_t generation, Matcher m
   if (matcher.subject && matcher.subject->unitCount() > kLongestRememberedSubject) {
     matcher.forgetSubject();
   }
-  const std::lock_guard guard(lock_);
-  Entry& home = entries_[entry];
+  auto entries = entries_.access();
+  Entry& home = entries->at(entry);
   if (home.generation != generation || home.idle.size() >= kIdleMatchersPerEntry) return;
   home.idle.push_back(std::move(matcher));
 }
 
-void RegexCache::clear() {
-  const std::lock_guard guard(lock_);
+void RegexCache::clear() { entries_.access()->clear(); }
+
+void RegexCache::forgetSubjects() { entries_.access()->forgetSubjects(); }
+
+void RegexCache::Entries::clear() {
   for (Entry& entry : entries_) entry.empty();
   usage_.fill(0);
   lookAside_.fill(0);
   lastUsed_.reset();
 }
 
-void RegexCache::forgetSubjects() {
-  const std::lock_guard guard(lock_);
+void RegexCache::Entries::forgetSubjects() {
   for (Entry& entry : entries_) {
     for (Matcher& matcher : entry.idle) matcher.forgetSubject();
   }
 }
 
-void RegexCache::tell(RegexCacheEvent::Kind kind, std::size_t entry) const {
+void RegexCache::Entries::tell(RegexCacheEvent::Kind kind, std::size_t entry) const {
   if (!observer_) return;
   observer_({kind, entry / kEntriesPerSet, entry % kEntriesPerSet, entries_[entry].pattern});
 }

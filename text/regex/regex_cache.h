@@ -17,14 +17,15 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "foundation/collation/text_search.h"
 #include "foundation/regex/compiled_regex.h"
 #include "text/regex/regex_error.h"
 #include "values/text.h"
+#include "work/locked.h"
 
 namespace skerrow::text {
 
@@ -95,22 +96,37 @@ class RegexCache {
     void empty() noexcept;
   };
 
-  static constexpr std::size_t kEntryCount = kSetCount * kEntriesPerSet;
+  // What the lock guards.
+  class Entries {
+   public:
+    explicit Entries(Observer observer) : observer_(std::move(observer)) {}
 
-  [[nodiscard]] std::optional<std::size_t> findEntry(const Text& pattern, RegexOptions options);
-  [[nodiscard]] std::size_t compileEntry(const Text& pattern, RegexOptions options);
-  [[nodiscard]] std::size_t leastRecentlyUsedEntry(std::size_t set) const;
-  void markUsed(std::size_t entry, std::size_t lookAsideSlot);
+    /// The place of the entry that holds the pattern; it is compiled if there is none.
+    [[nodiscard]] std::size_t placeOf(const Text& pattern, RegexOptions options);
+    [[nodiscard]] Entry& at(std::size_t place) { return entries_[place]; }
+    void clear();
+    void forgetSubjects();
+
+   private:
+    static constexpr std::size_t kEntryCount = kSetCount * kEntriesPerSet;
+
+    [[nodiscard]] std::optional<std::size_t> findEntry(const Text& pattern, RegexOptions options);
+    [[nodiscard]] std::size_t compileEntry(const Text& pattern, RegexOptions options);
+    [[nodiscard]] std::size_t leastRecentlyUsedEntry(std::size_t set) const;
+    void markUsed(std::size_t entry, std::size_t lookAsideSlot);
+    void tell(RegexCacheEvent::Kind kind, std::size_t entry) const;
+
+    std::array<Entry, kEntryCount> entries_;
+    std::array<std::uint16_t, kSetCount> usage_{};  // per set, a 4 by 4 bit matrix
+    std::array<std::uint8_t, kLookAsideSlots> lookAside_{};
+    std::optional<std::size_t> lastUsed_;
+    Observer observer_;
+  };
+
   [[nodiscard]] static Matcher takeMatcher(Entry& entry);
   void giveBack(std::size_t entry, std::uint64_t generation, Matcher matcher);
-  void tell(RegexCacheEvent::Kind kind, std::size_t entry) const;
 
-  std::mutex lock_;
-  std::array<Entry, kEntryCount> entries_;
-  std::array<std::uint16_t, kSetCount> usage_{};  // per set, a 4 by 4 bit matrix
-  std::array<std::uint8_t, kLookAsideSlots> lookAside_{};
-  std::optional<std::size_t> lastUsed_;
-  Observer observer_;
+  work::Locked<Entries> entries_;
 };
 
 /// The right to search with one pattern, until the end of its scope.
