@@ -19,3 +19,14 @@ check_linker_flag(CXX -fuse-ld=mold SKERROW_HAS_MOLD)
 if(SKERROW_HAS_MOLD)
   add_link_options(-fuse-ld=mold)
 endif()
+
+# The program counts what it allocates. A sanitizer brings operators of its own, so that every call
+# of them is led through ours instead.
+option(SKERROW_WRAPS_ALLOCATION "Count allocations beside a sanitizer's operators" OFF)
+if(SKERROW_WRAPS_ALLOCATION)
+  target_compile_definitions(skerrow_options INTERFACE SKERROW_WRAPS_ALLOCATION)
+  foreach(symbol _Znwm _Znam _ZnwmSt11align_val_t _ZdlPv _ZdlPvm _ZdaPv _ZdaPvm
+                 _ZdlPvSt11align_val_t _ZdlPvmSt11align_val_t)
+    add_link_options(-Wl,--wrap=${symbol})
+  endforeach()
+endif()

@@ -46,10 +46,10 @@ void* counted(std::size_t size, Take&& take) {
   return block;
 }
 
-void giveBack(void* block) noexcept {
-  if (block == nullptr) return;
-  tally.taken -= static_cast<std::int64_t>(::malloc_usable_size(block));
-  std::free(block);
+// A block that is about to be given back.
+void* uncounted(void* block) noexcept {
+  if (block != nullptr) tally.taken -= static_cast<std::int64_t>(::malloc_usable_size(block));
+  return block;
 }
 
 }  // namespace
@@ -88,25 +88,78 @@ std::string sizeInWords(std::size_t bytes) {
 
 }  // namespace skerrow::work
 
-// The operators of the whole program. The array and nothrow forms of the standard library
-// come here too.
+// The operators of the whole program. The nothrow forms of the standard library, and those for
+// arrays where nothing else is said, come here too.
+
+using skerrow::work::counted;
+using skerrow::work::uncounted;
+
+#ifdef SKERROW_WRAPS_ALLOCATION
+
+// A program under a sanitizer has the sanitizer's operators, and the linker leads every call of
+// them by here.
+
+// NOLINTBEGIN(bugprone-reserved-identifier): the names are the linker's
+extern "C" {
+
+void* __real__Znwm(std::size_t size);
+void* __real__Znam(std::size_t size);
+void* __real__ZnwmSt11align_val_t(std::size_t size, std::align_val_t alignment);
+void __real__ZdlPv(void* block) noexcept;
+void __real__ZdlPvm(void* block, std::size_t size) noexcept;
+void __real__ZdaPv(void* block) noexcept;
+void __real__ZdaPvm(void* block, std::size_t size) noexcept;
+void __real__ZdlPvSt11align_val_t(void* block, std::align_val_t alignment) noexcept;
+void __real__ZdlPvmSt11align_val_t(void* block, std::size_t size,
+                                   std::align_val_t alignment) noexcept;
+
+void* __wrap__Znwm(std::size_t size) {
+  return counted(size, [size] { return __real__Znwm(size); });
+}
+void* __wrap__Znam(std::size_t size) {
+  return counted(size, [size] { return __real__Znam(size); });
+}
+void* __wrap__ZnwmSt11align_val_t(std::size_t size, std::align_val_t alignment) {
+  return counted(size, [=] { return __real__ZnwmSt11align_val_t(size, alignment); });
+}
+void __wrap__ZdlPv(void* block) noexcept { __real__ZdlPv(uncounted(block)); }
+void __wrap__ZdlPvm(void* block, std::size_t size) noexcept {
+  __real__ZdlPvm(uncounted(block), size);
+}
+void __wrap__ZdaPv(void* block) noexcept { __real__ZdaPv(uncounted(block)); }
+void __wrap__ZdaPvm(void* block, std::size_t size) noexcept {
+  __real__ZdaPvm(uncounted(block), size);
+}
+void __wrap__ZdlPvSt11align_val_t(void* block, std::align_val_t alignment) noexcept {
+  __real__ZdlPvSt11align_val_t(uncounted(block), alignment);
+}
+void __wrap__ZdlPvmSt11align_val_t(void* block, std::size_t size,
+                                   std::align_val_t alignment) noexcept {
+  __real__ZdlPvmSt11align_val_t(uncounted(block), size, alignment);
+}
+}
+// NOLINTEND(bugprone-reserved-identifier)
+
+#else
 
 void* operator new(std::size_t size) {
-  return skerrow::work::counted(size, [size] { return std::malloc(size == 0 ? 1 : size); });
+  return counted(size, [size] { return std::malloc(size == 0 ? 1 : size); });
 }
 
 void* operator new(std::size_t size, std::align_val_t alignment) {
   const auto boundary = static_cast<std::size_t>(alignment);
   const std::size_t rounded = (size + boundary - 1) / boundary * boundary;
-  return skerrow::work::counted(
-      size, [=] { return std::aligned_alloc(boundary, rounded == 0 ? boundary : rounded); });
+  return counted(size,
+                 [=] { return std::aligned_alloc(boundary, rounded == 0 ? boundary : rounded); });
 }
 
-void operator delete(void* block) noexcept { skerrow::work::giveBack(block); }
-void operator delete(void* block, std::size_t /*size*/) noexcept { skerrow::work::giveBack(block); }
+void operator delete(void* block) noexcept { std::free(uncounted(block)); }
+void operator delete(void* block, std::size_t /*size*/) noexcept { std::free(uncounted(block)); }
 void operator delete(void* block, std::align_val_t /*alignment*/) noexcept {
-  skerrow::work::giveBack(block);
+  std::free(uncounted(block));
 }
 void operator delete(void* block, std::size_t /*size*/, std::align_val_t /*alignment*/) noexcept {
-  skerrow::work::giveBack(block);
+  std::free(uncounted(block));
 }
+
+#endif
