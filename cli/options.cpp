@@ -29,6 +29,9 @@ constexpr std::string_view kHelp =
   skerrow --version
   skerrow --help
 
+A command takes at most a quarter of the machine's memory, or as many bytes as the
+environment variable SKERROW_MEMORY says.
+
 Exit status: 0 when all went well, 1 when a command failed, 2 for wrong usage or
 malformed JSON.
 
