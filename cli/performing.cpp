@@ -84,7 +84,7 @@ struct Process {
   }
 
   // Any thread.
-  void end(int withStatus, std::exception_ptr withFailure = nullptr) {
+  void end(int withStatus, const std::exception_ptr& withFailure = nullptr) {
     loop.post([this, withStatus, withFailure] {
       status = withStatus;
       failure = withFailure;
@@ -238,9 +238,9 @@ class Conversation : public std::enable_shared_from_this<Conversation> {
         [self = shared_from_this()] { self->start(); });
   }
 
-  void end(int status, std::exception_ptr failure = nullptr) {
+  void end(int status, const std::exception_ptr& failure = nullptr) {
     isOver_ = true;
-    process_.end(status, std::move(failure));
+    process_.end(status, failure);
   }
   [[nodiscard]] bool isOver() const noexcept { return isOver_; }
 

@@ -39,7 +39,7 @@ struct MainLoop::State {
     State* state;
   };
 
-  State(const platform::Clock& theClock, Context context);
+  State(const platform::Clock& theClock, Context which);
   State(const State&) = delete;
   State& operator=(const State&) = delete;
   ~State();

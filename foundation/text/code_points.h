@@ -1,6 +1,7 @@
 #pragma once
 // Code points in UTF-16 text. A lone surrogate counts as a code point of its own.
 
+#include <algorithm>
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -57,10 +58,7 @@ constexpr char16_t lowercaseAscii(char16_t unit) {
 }
 
 constexpr bool isAsciiOnly(std::u16string_view text) {
-  for (const char16_t unit : text) {
-    if (unit >= 0x80) return false;
-  }
-  return true;
+  return std::ranges::all_of(text, [](char16_t unit) { return unit < 0x80; });
 }
 
 constexpr bool equalsIgnoringAsciiCase(std::u16string_view a, std::u16string_view b) {
