@@ -24,7 +24,7 @@ class SpinWait {
           failures_ = skips_ = 0;
           return true;
         }
-        __builtin_ia32_pause();
+        pause();
       }
     } while (std::chrono::steady_clock::now() < end);
     failures_ = std::min(failures_ + 1, kMostFailures);
@@ -36,6 +36,15 @@ class SpinWait {
   static constexpr std::chrono::microseconds kWhile{20};
   static constexpr int kLooksBetweenClocks = 32;
   static constexpr int kMostFailures = 7;
+
+  // Tells the processor that this thread waits, where there is an instruction for that.
+  static void pause() {
+#if defined(__x86_64__) || defined(__i386__)
+    __builtin_ia32_pause();
+#elif defined(__aarch64__)
+    asm volatile("yield");
+#endif
+  }
 
   // Without a second processor nobody could make the condition hold meanwhile.
   static bool isAlone() {
