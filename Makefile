@@ -59,7 +59,7 @@ format-check:
 
 lint:
 	@$(call configure,dev)
-	@tools/lint.sh build/dev $(JOBS) $(rooms)
+	@python3 tools/lint.py build/dev $(JOBS) $(rooms)
 
 asan tsan:
 	@tools/setup.sh
