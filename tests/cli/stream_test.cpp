@@ -11,19 +11,8 @@
 #include <vector>
 
 #include "tests/support/program.h"
+#include "tests/support/sanitized.h"
 #include "tests/support/scratch_folder.h"
-
-// What the program's memory is worth measuring for: sanitizers keep much more.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define SKERROW_IS_SANITIZED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define SKERROW_IS_SANITIZED 1
-#endif
-#endif
-#ifndef SKERROW_IS_SANITIZED
-#define SKERROW_IS_SANITIZED 0
-#endif
 
 namespace skerrow::tests {
 namespace {
@@ -222,13 +211,13 @@ std::size_t peakForLine(const std::string& beginning, std::string_view filling, 
   return peak;
 }
 
-constexpr std::size_t kLongLine = SKERROW_IS_SANITIZED ? 10'000'000 : 100'000'000;
+constexpr std::size_t kLongLine = kIsSanitized ? 10'000'000 : 100'000'000;
 
 TEST(LongLine, OfOneTextIsAnsweredInMemoryOfAFewTimesItsSize) {
   const std::size_t peak = peakForLine(R"({"command": "SKWModifyList", "direct": [")", "x",
                                        kLongLine, R"("]})", R"({"result":["xxxx)");
   // Twice for the text, which has units of two bytes, and as much while it is made.
-  if (!SKERROW_IS_SANITIZED) {
+  if (!kIsSanitized) {
     EXPECT_LT(peak, 6 * kLongLine);
   }
 }
@@ -237,7 +226,7 @@ TEST(LongLine, ThatIsNoEventTakesNoMemoryOfItsSize) {
   for (const char* filling : {"x", "[", " "}) {
     const std::size_t peak =
         peakForLine("", filling, kLongLine, "", R"({"error":{"number":-1700,)");
-    if (!SKERROW_IS_SANITIZED) {
+    if (!kIsSanitized) {
       EXPECT_LT(peak, kLongLine / 10) << filling;
     }
   }

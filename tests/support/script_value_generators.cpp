@@ -40,7 +40,7 @@ rc::Gen<ScriptValue> anyPayload() {
 
 rc::Gen<std::vector<ScriptValue>> anyScriptValues() {
   return rc::gen::scale(
-      0.4, rc::gen::container<std::vector<ScriptValue>>(rc::gen::lazy(anyScriptValue)));
+      0.25, rc::gen::container<std::vector<ScriptValue>>(rc::gen::lazy(anyScriptValue)));
 }
 
 using UserFields = std::vector<std::pair<std::u16string, ScriptValue>>;
@@ -50,8 +50,8 @@ rc::Gen<UserFields> anyUserFields() {
   const auto fixed = rc::gen::element<std::u16string>(u"a", u"$date", u"$record", u"$number", u"as",
                                                       u"$raw", u"data", u"«abcd»", u"");
   return rc::gen::scale(
-      0.4, rc::gen::container<UserFields>(rc::gen::pair(rc::gen::oneOf(fixed, arbitraryUnits()),
-                                                        rc::gen::lazy(anyScriptValue))));
+      0.25, rc::gen::container<UserFields>(rc::gen::pair(rc::gen::oneOf(fixed, arbitraryUnits()),
+                                                         rc::gen::lazy(anyScriptValue))));
 }
 
 ScriptValue listOf(const UserFields& fields) {

@@ -76,14 +76,14 @@ TEST(ValueIndex, PassesOverTheValuesThatAreNotWanted) {
   EXPECT_EQ(index.find(u"c", at), ValueIndex::kNone);
 }
 
-// How many values of a small alphabet with all sorts of equal ones among them.
+// How many small values with all sorts of equal ones among them.
 rc::Gen<std::vector<Value>> valuesWithRepeats() {
   return rc::gen::container<std::vector<Value>>(rc::gen::oneOf(
       rc::gen::map(rc::gen::inRange(-3, 4), [](int i) { return Value(Number::signed32(i)); }),
       rc::gen::map(rc::gen::inRange(-3, 4), [](int i) { return Value(Number::real(i)); }),
       rc::gen::map(rc::gen::inRange(0, 40),
                    [](int i) { return Value(std::u16string(static_cast<std::size_t>(i), u'x')); }),
-      tests::anyValue()));
+      rc::gen::resize(10, tests::anyValue())));
 }
 
 std::vector<Value> insertedOneByOne(const std::vector<Value>& values) {

@@ -235,7 +235,7 @@ TEST(KeyPath, CutsALongKeyInItsReason) {
 
 TEST(KeyPath, LooksUpAllAlongALongPath) {
   std::u16string path = u"self";
-  for (int i = 0; i < 3000; ++i) path += u".self";
+  for (int i = 0; i < 600; ++i) path += u".self";
   const Value numbers = list(std::vector<Value>(5000, integer(1)));
   const tests::StoppedWork stopped;
   EXPECT_THROW((void)KeyPath(path).valueIn(numbers), work::Stopped);

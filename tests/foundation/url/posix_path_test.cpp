@@ -78,7 +78,7 @@ TEST(PosixPath, ExpandsATildeInFront) {
 TEST(PosixPath, GoesUpInPathsOfAnyLength) {
   std::u16string path = u"/";
   std::u16string expected;
-  for (int i = 0; i < 100'000; ++i) {
+  for (int i = 0; i < 30'000; ++i) {
     path += u"a/../b/./";
     expected += u"/b";
   }

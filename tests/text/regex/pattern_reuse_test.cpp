@@ -25,8 +25,8 @@ class PatternReuse : public testing::Test {
   tests::InProcess commands{countingServices(compilations)};
 };
 
-TEST_F(PatternReuse, CompilesThePatternOfAHundredThousandCallsOnce) {
-  for (int call = 0; call < 100'000; ++call) {
+TEST_F(PatternReuse, CompilesThePatternOfTenThousandCallsOnce) {
+  for (int call = 0; call < 10'000; ++call) {
     ASSERT_EQ(commands.answer(R"({"command": "SKWFindIt", "direct": "\\d+", )"
                               R"("arguments": {"stringToSearch": "a1b22"}})"),
               R"({"result":["1","22"]})");

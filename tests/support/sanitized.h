@@ -1,0 +1,19 @@
+#pragma once
+// Whether this is compiled with a sanitizer: such programs take far more memory and
+// time than what they stand for.
+
+namespace skerrow::tests {
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+inline constexpr bool kIsSanitized = true;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+inline constexpr bool kIsSanitized = true;
+#else
+inline constexpr bool kIsSanitized = false;
+#endif
+#else
+inline constexpr bool kIsSanitized = false;
+#endif
+
+}  // namespace skerrow::tests
