@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <stdexcept>
 #include <system_error>
@@ -125,7 +126,8 @@ Program::Program(const ProgramSetup& setup)
   input_ = redirections.connect(setup.input, STDIN_FILENO);
   output_ = redirections.connect(setup.output, STDOUT_FILENO);
   errors_ = redirections.connect({}, STDERR_FILENO);
-  std::vector<std::string> words = {SKERROW_PROGRAM};
+  const char* const program = std::getenv("SKERROW_PROGRAM");
+  std::vector<std::string> words = {program != nullptr ? program : SKERROW_PROGRAM};
   words.insert(words.end(), setup.words.begin(), setup.words.end());
   process_ = redirections.spawn(words, environmentWith(setup.environment));
   ended_ = static_cast<int>(::syscall(SYS_pidfd_open, process_, 0));

@@ -1,6 +1,7 @@
 #pragma once
 // Running the program `skerrow` as a person or another program would: words,
-// environment and standard streams in; output, errors and exit status out. Waiting
+// environment and standard streams in; output, errors and exit status out. It is the
+// one of this build, or the one that SKERROW_PROGRAM names in the environment. Waiting
 // is bounded: a program that takes longer than its limit is killed and the wait
 // throws std::runtime_error. One thread at a time for each object.
 
