@@ -358,16 +358,15 @@ TEST(Predicate, EndsWhereWorkOnOneItemHasNoMeasure) {
   }
 }
 
-// Whether the evaluation takes a million steps by its own count: then it looks up, or fails where
+// Whether the evaluation takes a million steps by its own count: then it looks, or fails where
 // it would take all that are allowed at once. Going on to their end would take seconds.
 bool takesAMillionSteps(std::u16string_view format, const Value& item,
                         const Record& variables = {}) {
-  struct Stopped {};
-  Predicate predicate = Predicate::parse(format);
-  predicate.setLook([] { throw Stopped{}; });
+  const Predicate predicate = Predicate::parse(format);
+  const tests::StoppedWork stopped;
   try {
     (void)predicate.evaluate(item, variables);
-  } catch (const Stopped&) {
+  } catch (const work::Stopped&) {
     return true;
   } catch (const PredicateError&) {
     return true;
