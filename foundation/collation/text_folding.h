@@ -48,6 +48,8 @@ class TextFolding {
     return {1, {&single_, 1}};
   }
 
+  [[nodiscard]] FoldingOptions options() const noexcept { return options_; }
+
   /// A whole text, folded.
   std::u16string fold(std::u16string_view text);
 

@@ -55,10 +55,18 @@ bool standsIn(std::u16string_view text, std::u16string_view part, TextPlace plac
   return containsText(text, part);
 }
 
-bool standsIn(std::u16string_view text, const TextSearch& part, TextPlace place) {
-  if (place == TextPlace::atFront) return part.isAtFrontOf(text);
-  if (place == TextPlace::atEnd) return part.isAtEndOf(text);
-  return part.first(text).isFound();
+bool standsIn(std::u16string_view text, const TextSearch& part, TextPlace place,
+              TextFolding& folding) {
+  if (place == TextPlace::atFront) return part.isAtFrontOf(text, folding);
+  if (place == TextPlace::atEnd) return part.isAtEndOf(text, folding);
+  return part.isIn(text, folding);
+}
+
+TextFolding& foldingFor(FoldingOptions options, TextRelation::Workspace& work) {
+  for (const std::unique_ptr<TextFolding>& folding : work.foldings) {
+    if (folding->options() == options) return *folding;
+  }
+  return *work.foldings.emplace_back(std::make_unique<TextFolding>(options));
 }
 
 }  // namespace
@@ -136,14 +144,17 @@ TextRelation::Part TextRelation::part(std::u16string_view text) const {
 
 bool TextRelation::isPartOf(std::u16string_view text, const Part& part, TextPlace place,
                             Workspace& work) const {
-  if (!part.foldsUnits || !foldsUnits(text)) return standsIn(text, part.search, place);
+  if (!part.foldsUnits || !foldsUnits(text)) {
+    return standsIn(text, part.search, place, foldingFor(foldingOptions(), work));
+  }
   return standsIn(folded(text, work.left, work.intermediate), part.folded, place);
 }
 
 bool TextRelation::isPartOf(std::u16string_view text, std::u16string_view part, TextPlace place,
                             Workspace& work) const {
   if (!foldsUnits(part) || !foldsUnits(text)) {
-    return standsIn(text, TextSearch(part, foldingOptions()), place);
+    return standsIn(text, TextSearch(part, foldingOptions()), place,
+                    foldingFor(foldingOptions(), work));
   }
   return standsIn(folded(text, work.left, work.intermediate),
                   folded(part, work.right, work.intermediate), place);

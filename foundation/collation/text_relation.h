@@ -13,6 +13,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "foundation/collation/text_search.h"
 
@@ -51,6 +52,7 @@ class TextRelation {
     std::u16string left;
     std::u16string right;
     std::u16string intermediate;
+    std::vector<std::unique_ptr<TextFolding>> foldings;  // one for each kind of options met
   };
 
   /// `locale` matters with [l] only.

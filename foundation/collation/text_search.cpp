@@ -27,10 +27,13 @@ UnitRange TextSearch::last(std::u16string_view text) const {
   }
 }
 
-bool TextSearch::isAtFrontOf(std::u16string_view text) const {
+bool TextSearch::isIn(std::u16string_view text, TextFolding& folding) const {
+  return Scan(*this, text, folding).next().isFound();
+}
+
+bool TextSearch::isAtFrontOf(std::u16string_view text, TextFolding& folding) const {
   if (sought_.empty()) return false;
   if (isLiteral()) return text.starts_with(sought_) && !isInsidePair(text, sought_.size());
-  TextFolding folding(options_);
   std::u16string_view left = sought_;
   for (std::size_t position = 0; position < text.size() && !left.empty();) {
     const TextFolding::Character character = folding.next(text, position);
@@ -42,11 +45,15 @@ bool TextSearch::isAtFrontOf(std::u16string_view text) const {
 }
 
 // Behind the last occurrence there may be what folds to nothing.
-bool TextSearch::isAtEndOf(std::u16string_view text) const {
-  const UnitRange found = last(text);
-  if (!found.isFound()) return false;
-  const std::u16string_view rest = text.substr(found.end());
-  return isLiteral() ? rest.empty() : TextFolding(options_).fold(rest).empty();
+bool TextSearch::isAtEndOf(std::u16string_view text, TextFolding& folding) const {
+  Scan scan(*this, text, folding);
+  UnitRange last = UnitRange::notFound();
+  for (UnitRange found = scan.nextOverlapping(); found.isFound(); found = scan.nextOverlapping()) {
+    last = found;
+  }
+  if (!last.isFound()) return false;
+  const std::u16string_view rest = text.substr(last.end());
+  return isLiteral() ? rest.empty() : folding.fold(rest).empty();
 }
 
 std::u16string TextSearch::replacingAll(std::u16string_view text,
@@ -66,7 +73,15 @@ std::u16string TextSearch::replacingAll(std::u16string_view text,
 TextSearch::Scan::Scan(const TextSearch& search, std::u16string_view text)
     : search_(search), text_(text) {
   if (search.isLiteral()) return;
-  folding_.emplace(search.options_);
+  ownFolding_ = std::make_unique<TextFolding>(search.options_);
+  folding_ = ownFolding_.get();
+  begins_.resize(search.sought_.size());
+}
+
+TextSearch::Scan::Scan(const TextSearch& search, std::u16string_view text, TextFolding& folding)
+    : search_(search), text_(text) {
+  if (search.isLiteral()) return;
+  folding_ = &folding;
   begins_.resize(search.sought_.size());
 }
 

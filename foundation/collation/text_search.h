@@ -13,7 +13,7 @@
 //   for (auto found = scan.next(); found.isFound(); found = scan.next()) …
 
 #include <cstddef>
-#include <optional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,9 +34,11 @@ class TextSearch {
   /// The occurrence that begins last (a search backwards), or not found.
   [[nodiscard]] UnitRange last(std::u16string_view text) const;
 
-  /// Whether the text begins, or ends, with what is looked for.
-  [[nodiscard]] bool isAtFrontOf(std::u16string_view text) const;
-  [[nodiscard]] bool isAtEndOf(std::u16string_view text) const;
+  /// Whether the text holds, begins or ends with what is looked for. Takes a folding of
+  /// the same options, which who asks of many texts keeps.
+  [[nodiscard]] bool isIn(std::u16string_view text, TextFolding& folding) const;
+  [[nodiscard]] bool isAtFrontOf(std::u16string_view text, TextFolding& folding) const;
+  [[nodiscard]] bool isAtEndOf(std::u16string_view text, TextFolding& folding) const;
 
   /// The text with every occurrence replaced, from the front, none overlapping another.
   [[nodiscard]] std::u16string replacingAll(std::u16string_view text,
@@ -57,6 +59,8 @@ class TextSearch {
 class TextSearch::Scan {
  public:
   Scan(const TextSearch& search, std::u16string_view text);
+  /// With a folding of the search's options.
+  Scan(const TextSearch& search, std::u16string_view text, TextFolding& folding);
 
   /// The next occurrence behind the one before, or not found.
   UnitRange next();
@@ -78,7 +82,8 @@ class TextSearch::Scan {
   std::size_t matched_ = 0;  // units of what is sought that end at the position
   // For folded searches: for the last folded units, as many as are sought, where
   // in the text their character begins.
-  std::optional<TextFolding> folding_;
+  TextFolding* folding_ = nullptr;
+  std::unique_ptr<TextFolding> ownFolding_;
   std::vector<std::size_t> begins_;
   std::size_t foldedCount_ = 0;
 };

@@ -136,8 +136,10 @@ TEST(TextSearch, TellsWhatATextBeginsAndEndsWith) {
   };
   for (const auto& row : cases) {
     const TextSearch search(row.sought, row.options);
-    EXPECT_EQ(search.isAtFrontOf(row.text), row.begins) << utf8FromUtf16(row.text);
-    EXPECT_EQ(search.isAtEndOf(row.text), row.ends) << utf8FromUtf16(row.text);
+    TextFolding folding(row.options);
+    EXPECT_EQ(search.isAtFrontOf(row.text, folding), row.begins) << utf8FromUtf16(row.text);
+    EXPECT_EQ(search.isAtEndOf(row.text, folding), row.ends) << utf8FromUtf16(row.text);
+    EXPECT_EQ(search.isIn(row.text, folding), search.first(row.text).isFound());
   }
 }
 
