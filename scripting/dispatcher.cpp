@@ -200,16 +200,17 @@ void Dispatcher::cancel(EventId event) {
 core::Reply Dispatcher::perform(Event event) {
   core::MainLoop& loop = state_->context.loop;
   if (!loop.isOwnThread()) {
-    core::Reply reply;
-    const auto receiver = [&reply](core::Reply given) { reply = gathered(std::move(given)); };
-    std::promise<void> replied;
-    send(std::move(event), [&](core::Reply given) {
-      receiver(std::move(given));
-      replied.set_value();
-    });
+    std::promise<core::Reply> promise;
+    auto reply = promise.get_future();
+    send(std::move(event),
+         [promise = std::make_shared<std::promise<core::Reply>>(std::move(promise))](
+             core::Reply given) { promise->set_value(gathered(std::move(given))); });
     const core::WaitingForOthers waiting;
-    replied.get_future().wait();
-    return reply;
+    try {
+      return reply.get();
+    } catch (const std::future_error&) {
+      return std::optional<ScriptValue>();  // the dispatcher went, and the promise with it
+    }
   }
   auto reply = std::make_shared<std::optional<core::Reply>>();
   send(std::move(event), [reply, &loop](core::Reply given) {

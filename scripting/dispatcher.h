@@ -42,7 +42,7 @@ class Dispatcher {
   void cancel(EventId event);
 
   /// Sends an event and waits for its reply, as a whole. On the main thread the loop is
-  /// served meanwhile.
+  /// served meanwhile; on another one the reply is nothing when the dispatcher goes first.
   core::Reply perform(Event event);
 
   /// Whether the thread that lent itself is still the one that goes on.

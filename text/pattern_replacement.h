@@ -1,6 +1,6 @@
 #pragma once
 // What commands have the regular-expression service do for them, stopped when the
-// command is cancelled.
+// command is told to stop.
 
 #include <memory>
 #include <string_view>

@@ -392,6 +392,15 @@ TEST_F(DispatcherTest, TakesEventsFromAnyThread) {
   EXPECT_EQ(performed, std::vector<std::string>(4, "'utxt' “\\u00E9”"));
 }
 
+TEST_F(DispatcherTest, WhoWaitsOnAnotherThreadHearsNothingWhenItGoes) {
+  std::string reply;
+  std::jthread thread([&] { reply = perform(event("TestWorkLong")); });
+  while (stage_->started.count() == 0) serveFor(1ms);
+  dispatcher_.reset();
+  thread.join();
+  EXPECT_EQ(reply, "nothing");
+}
+
 // A thread beside the main one that performs an event on itself, while the loop is served.
 class LendingTest : public DispatcherTest {
  protected:
